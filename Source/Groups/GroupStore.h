@@ -1,0 +1,50 @@
+// The process-wide store of groups: the list, the three special groups, contexts, names and persistence.
+#pragma once
+
+#include "Groups/Group.h"
+
+#include <functional>
+#include <string_view>
+
+// The groups that give an expression its names. Any of them may be null outside a session.
+struct NameSpace {
+    Group * local = nullptr;  // top of the context stack
+    Group * global = nullptr; // the permanent tail of the list
+    Group * current = nullptr;
+};
+NameSpace & nameSpace() noexcept;
+
+// A vector name taken apart at its first ':'. ":x" has an empty group part, which means the current group.
+struct SplitName {
+    std::string_view group;
+    std::string_view vector;
+    bool hasGroup = false;
+};
+SplitName splitVectorName(std::string_view name) noexcept;
+
+Group * groupListHead() noexcept;                           // the newest group
+Group * findGroup(std::string_view name) noexcept;          // in any case; local contexts included; null when unknown
+Group * findGroupOrCurrent(std::string_view name) noexcept; // an empty name is the current group
+Group * localOrGlobal() noexcept;
+// Visits all groups from the head. The callback may destroy the group that it is given.
+void forEachGroup(std::function<void(Group &)> const & visit);
+
+// The search of the evaluator. `wasQualified`, where given, says whether the name has a non-empty group part;
+// `existsAsPlainName`, whether the whole text is the name of a vector of the local, global or current group.
+dvec * findVector(std::string_view name, bool * wasQualified, bool skipCurrentGroup,
+                  bool * existsAsPlainName = nullptr);
+
+// A group that is named and listed at once.
+Group * makeGroup(YString const & title, YString const & baseName, std::uint32_t runId);
+// A group that is not listed yet, for a reader to fill; listGroup names it by `baseName` and a number and lists it,
+// listRestoredGroup keeps the stored name under the rename rule and makes it current. discardGroup frees one that was
+// never listed.
+Group * makeUnlistedGroup(YString const & title);
+void listGroup(Group * group, YString const & baseName);
+void listRestoredGroup(Group * group, YString const & storedName, bool quiet, MessageHandler & messages);
+void discardGroup(Group * group);
+// Destroys a listed group and mends the list and the special pointers.
+void destroyGroup(Group * group);
+void purgeByPersistence();
+std::uint32_t newRunId(); // strictly rising
+bool anyGroupHasRealData() noexcept;

@@ -1,0 +1,9 @@
+// Questions to the file system.
+#pragma once
+
+#include "torvelan/YString.h"
+
+// Why a file does not open, in words that name the path: "Cannot open file 'x.raw': No such file or directory".
+// False, and no text, when it opens.
+bool sp_FileOpenForensicMsg(YString const & path, int mode, YString * text);
+bool sp_ExistFile(YString const & path);

@@ -1,0 +1,66 @@
+// Byte streams with the stream rules that the file readers rely on: nothing is translated, eof() is the flag set by a
+// read that met the end, seekg clears it.
+#pragma once
+
+#include "torvelan/YString.h"
+
+#include <cstddef>
+#include <cstdint>
+
+class tvstream {
+public:
+    virtual ~tvstream() = default;
+    virtual std::size_t read(char * dest, std::size_t n) = 0; // bytes moved
+    virtual int get() = 0;                                    // -1 at the end
+    // A line without its line feed (a CR is kept). False when nothing was left to read.
+    virtual bool getline(YString * line) = 0;
+    // As istream::getline: at most size-1 characters; a longer line sets fail(), and leaves the rest.
+    virtual bool getline(char * dest, std::size_t size) = 0;
+    virtual void seekg(std::int64_t offset, int origin = 0) = 0; // origin 0 start, 1 current
+    virtual std::int64_t tellg() const = 0;
+    virtual bool eof() const noexcept = 0;
+    virtual bool fail() const noexcept = 0;
+    virtual explicit operator bool() const noexcept = 0; // open and good
+};
+
+// Read-only file stream over a buffer of large blocks.
+class tvfstream final : public tvstream {
+public:
+    static constexpr int modeRead = 0;
+    static constexpr int modeReadUntranslated = 129;
+
+    tvfstream(YString const & path, int mode, bool lock, bool exclusive);
+    ~tvfstream() override;
+    tvfstream(tvfstream const &) = delete;
+    tvfstream & operator=(tvfstream const &) = delete;
+
+    std::size_t read(char * dest, std::size_t n) override;
+    int get() override;
+    bool getline(YString * line) override;
+    bool getline(char * dest, std::size_t size) override;
+    void seekg(std::int64_t offset, int origin = 0) override;
+    std::int64_t tellg() const override;
+    bool eof() const noexcept override { return eof_; }
+    bool fail() const noexcept override { return fail_; }
+    explicit operator bool() const noexcept override { return descriptor_ >= 0 && !fail_; }
+
+    std::uint64_t getFileSize() const; // of the open file now; 0 when not open
+    // White space, then a number, as stream extraction reads it. On failure the variable is unchanged, fail() is set,
+    // and eof() too when the end was met.
+    tvfstream & operator>>(int & value);
+    tvfstream & operator>>(double & value);
+
+private:
+    bool refill();              // false at the end of the file
+    bool ensure(std::size_t n); // at least n bytes from position_ on are in the buffer, or the file ends
+    bool skipWhiteSpace();
+    template <class Number> tvfstream & extract(Number & value);
+
+    int descriptor_ = -1;
+    char * buffer_ = nullptr;
+    std::size_t begin_ = 0, end_ = 0; // unread part of the buffer
+    std::size_t capacity_ = 0;
+    std::int64_t fileOffset_ = 0; // of the byte behind the buffer's last
+    bool eof_ = false;
+    bool fail_ = false;
+};

@@ -1,0 +1,17 @@
+// The machine and the process.
+#pragma once
+
+#include "torvelan/YString.h"
+
+#include <cstddef>
+
+// Bytes of stack left for the calling thread.
+std::size_t sp_StackAvail() noexcept;
+// File of the module that holds an address; empty when unknown.
+YString sp_GetRunningDllPath(void const * address);
+
+// A seed moved by sp_Random: a full-period 31-bit generator, values from 0 to 2147483647.
+struct RandomSeed {
+    unsigned value = 1;
+};
+int sp_Random(RandomSeed & seed) noexcept;
