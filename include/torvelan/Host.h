@@ -32,7 +32,7 @@ TORVELAN_API YString sp_GetStringOption(char const * name, bool * found = nullpt
 TORVELAN_API int sp_GetIntOption(char const * name, bool * found = nullptr);
 TORVELAN_API bool sp_GetBoolOption(char const * name, bool * found = nullptr);
 TORVELAN_API double sp_GetDoubleOption(char const * name, bool * found = nullptr);
-// Sets an option for this session; an unknown one is created.
+// Sets an option until the process ends; an unknown one is created.
 TORVELAN_API void sp_SetOption(char const * name, YString const & value);
 
 // A table of functions by name that joins the library and its host.
