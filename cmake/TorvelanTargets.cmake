@@ -8,11 +8,15 @@ find_package(BISON 3.8 REQUIRED)
 add_library(torvelan_flags INTERFACE)
 target_compile_options(torvelan_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror -fno-math-errno -fno-trapping-math -ffp-contract=off
-  -fstack-protector-strong)
+  -fstack-protector-strong -fno-semantic-interposition)
+target_compile_definitions(torvelan_flags INTERFACE $<$<NOT:$<CONFIG:Release>>:_GLIBCXX_ASSERTIONS>)
 if(TORVELAN_SANITIZE)
   add_compile_options(-fsanitize=${TORVELAN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${TORVELAN_SANITIZE})
   add_compile_definitions(TORVELAN_SANITIZED)
+  if(TORVELAN_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link)
+  endif()
 else()
   target_compile_options(torvelan_flags INTERFACE $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=2>)
   target_link_options(torvelan_flags INTERFACE -Wl,-z,relro,-z,now)
@@ -57,8 +61,18 @@ function(torvelan_link_layers target)
   target_link_libraries(${target} PRIVATE ${CMAKE_DL_LIBS})
 endfunction()
 
+# What every program of the tree that sees internals has: the include roots, the flags, the objects of the layers.
+function(torvelan_internal_program name)
+  target_include_directories(${name} PRIVATE
+    ${CMAKE_SOURCE_DIR}/include ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/Source ${CMAKE_BINARY_DIR}/generated)
+  target_compile_definitions(${name} PRIVATE TORVELAN_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
+  target_link_libraries(${name} PRIVATE torvelan_flags)
+  torvelan_link_layers(${name} ${ARGN})
+endfunction()
+
 # torvelan_test(<name> <folder> [LAYER layer] [LIBS ...]): the .cpp files of a folder as one GoogleTest program, linked
-# to the objects of the layers up to LAYER (all by default), so that tests see internals.
+# to the objects of the layers up to LAYER (all by default). Each test is a ctest; the whole program is one more, run
+# under a locale with a decimal comma.
 function(torvelan_test name folder)
   cmake_parse_arguments(arg "" "LAYER" "LIBS" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp)
@@ -66,15 +80,37 @@ function(torvelan_test name folder)
     return()
   endif()
   add_executable(${name} ${sources})
-  target_include_directories(${name} PRIVATE
-    ${CMAKE_SOURCE_DIR}/include ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/Source ${CMAKE_SOURCE_DIR}/tests
-    ${CMAKE_BINARY_DIR}/generated)
-  target_compile_definitions(${name} PRIVATE TORVELAN_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
-  if(arg_LAYER)
-    torvelan_link_layers(${name} ${arg_LAYER})
-  else()
-    torvelan_link_layers(${name})
-  endif()
-  target_link_libraries(${name} PRIVATE torvelan_flags GTest::gtest GTest::gmock GTest::gtest_main ${arg_LIBS})
+  torvelan_internal_program(${name} ${arg_LAYER})
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE torvelan_test_main ${arg_LIBS})
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 DISCOVERY_MODE PRE_TEST)
+  torvelan_locale_test(${name})
+endfunction()
+
+# The same program again with LC_ALL set to a locale of the tests' own making.
+function(torvelan_locale_test name)
+  add_test(NAME locale.${name} COMMAND ${name} --gtest_brief=1)
+  set_tests_properties(locale.${name} PROPERTIES FIXTURES_REQUIRED comma_locale
+    ENVIRONMENT "LOCPATH=${TORVELAN_LOCALES};LC_ALL=de_DE.UTF-8;TORVELAN_TEST_DECIMAL=,")
+endfunction()
+
+# torvelan_bench(<name> [SOURCES ...]): bench/<name>.cpp as the Google Benchmark program bench_<name>.
+function(torvelan_bench name)
+  cmake_parse_arguments(arg "" "" "SOURCES" ${ARGN})
+  add_executable(bench_${name} ${name}.cpp ${arg_SOURCES})
+  torvelan_internal_program(bench_${name})
+  target_link_libraries(bench_${name} PRIVATE benchmark::benchmark)
+endfunction()
+
+# torvelan_fuzz(<name>): fuzz/<name>.cpp, which defines LLVMFuzzerTestOneInput, as the program fuzz_<name>: a libFuzzer
+# target with TORVELAN_FUZZ, otherwise one that replays files, run over fuzz/corpus/<name> by ctest.
+function(torvelan_fuzz name)
+  add_executable(fuzz_${name} ${name}.cpp)
+  torvelan_internal_program(fuzz_${name})
+  if(TORVELAN_FUZZ)
+    target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+  else()
+    target_sources(fuzz_${name} PRIVATE ReplayMain.cpp)
+    add_test(NAME fuzz.${name} COMMAND fuzz_${name} ${CMAKE_CURRENT_SOURCE_DIR}/corpus/${name})
+  endif()
 endfunction()
