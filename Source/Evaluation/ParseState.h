@@ -4,7 +4,10 @@
 #include "Evaluation/ExprValue.h"
 #include "torvelan/Evaluate.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <cstdlib>
+#include <memory>
 
 struct Group;
 class VecSubstExpressionObject;
@@ -35,6 +38,16 @@ struct ParseState : EvalOptions {
     FUNC_ERROR functionError = FUNC_OK; // the first failure of a function call
 
     MessageHandler & messages() const { return *context.messages(); }
+
+    // Memory for parser stacks that outgrew the activation record.
+    void * allocateStack(std::size_t size) noexcept;
+    void freeStack(void * stack) noexcept;
+
+private:
+    struct Free {
+        void operator()(void * p) const noexcept { std::free(p); }
+    };
+    std::unique_ptr<void, Free> parserStack_, outgrownStack_;
 };
 
 // Parses and evaluates in one pass. The first value of the expression list, or null. The values live until the

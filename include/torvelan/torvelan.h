@@ -13,6 +13,7 @@
 #include "torvelan/Messages.h"
 #include "torvelan/PhysType.h"
 #include "torvelan/ResultCodes.h"
+#include "torvelan/Substitution.h"
 #include "torvelan/Vectors.h"
 #include "torvelan/YString.h"
 #include "torvelan/dvec.h"
