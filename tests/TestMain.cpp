@@ -16,8 +16,8 @@ bool takeLocale() {
     if (expected == nullptr) return true;
     char const * actual = std::localeconv()->decimal_point;
     if (std::strcmp(actual, expected) == 0) return true;
-    std::fprintf(stderr, "locale '%s' has the decimal point '%s', not '%s'\n", name != nullptr ? name : "(none)", actual,
-                 expected);
+    std::fprintf(stderr, "locale '%s' has the decimal point '%s', not '%s'\n", name != nullptr ? name : "(none)",
+                 actual, expected);
     return false;
 }
 
