@@ -16,7 +16,7 @@ demo: build ## build, open the shipped results of real simulations and evaluate 
 	scripts/demo
 
 build: ## the library and tvsh, optimised, in build/release
-	scripts/install-deps build
+	scripts/install-deps build test
 	scripts/build release tvsh
 
 test: ## everything optimised, and all tests
