@@ -6,16 +6,28 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <unordered_map>
+
+// A name with its hash, for looking it up in several tables.
+struct HashedName {
+    explicit HashedName(std::string_view name) noexcept : text(name), hash(hashNoCase(name)) {}
+    std::string_view text;
+    std::size_t hash;
+};
 
 // Hash and comparison of names without regard to case, also for text that is no YString yet.
 struct NameHash {
     using is_transparent = void;
-    std::size_t operator()(std::string_view name) const noexcept { return hashNoCase(name); }
+    // Not noexcept: the table then stores the hash of every entry, and compares hashes before names.
+    std::size_t operator()(std::string_view name) const { return hashNoCase(name); }
+    std::size_t operator()(HashedName const & name) const { return name.hash; }
 };
 struct NameEqual {
     using is_transparent = void;
     bool operator()(std::string_view a, std::string_view b) const noexcept { return equalNoCase(a, b); }
+    bool operator()(HashedName const & a, std::string_view b) const noexcept { return equalNoCase(a.text, b); }
+    bool operator()(std::string_view a, HashedName const & b) const noexcept { return equalNoCase(a, b.text); }
 };
 template <class T> using NameTable = std::unordered_map<YString, T, NameHash, NameEqual>;
 
@@ -27,7 +39,7 @@ enum GroupFlags : std::uint32_t {
 // Owned by the group list; made by GroupStore.h's functions.
 struct Group {
     explicit Group(YString groupName, YString groupTitle, std::uint32_t groupFlags = 0);
-    ~Group(); // runs the delete notifications, then deletes every vector, read-only or not
+    ~Group(); // ends the group first, if that has not been done
     Group(Group const &) = delete;
     Group & operator=(Group const &) = delete;
 
@@ -35,29 +47,42 @@ struct Group {
     bool isProtected() const noexcept { return (flags & GROUP_PROTECTED) != 0; }
 
     // By name, and a name that begins with '$' also through the pseudonyms. Null when there is none.
-    dvec * find(std::string_view vectorName) const;
+    dvec * find(HashedName const & vectorName) const;
+    dvec * find(std::string_view vectorName) const { return find(HashedName(vectorName)); }
     // Enters a vector; an internal error, and false, when the name is taken.
     bool enter(dvec * vector);
-    void remove(dvec * vector);           // from the table only
+    void remove(dvec * vector); // from the table only
+    // Moves a member's entry to a new name, before the vector itself takes it; as `enter` when the name is taken.
+    bool rename(dvec * vector, YString const & newName);
     YArray<YString> namesInOrder() const; // sorted without regard to case
     // Visits the vectors in name order. The callback may delete any vector.
     void forEachVector(std::function<void(dvec &)> const & visit);
+
+    void addLabel(YString const & label); // of the next division
+    // Runs the delete notifications, then deletes every vector, read-only or not. The group is empty and only waits
+    // to be deleted afterwards.
+    void end();
 
     // The pseudonym of a vector, made when it has none; a name that exists in no form is returned itself.
     YString pseudonymOf(YString const & vectorName);
     // The vector name behind a pseudonym; any other name as it is.
     YString resolvePseudonym(YString const & vectorName) const;
 
-    std::uint32_t destroying = 0;
+    std::uint32_t destroying = 0; // 1 from the beginning of end()
     std::uint32_t flags = 0;
     std::uint32_t pseudonymCounter = 0; // next number for "$n"
-    std::uint32_t runId = 0;            // 0: kept, or of no run; exempt from persistence
+    std::uint32_t runId = 0;            // 0: kept, or of no run; exempt from persistence; see setRunId
     std::uint32_t savedRunId = 0;       // runId while the group is kept
     NameTable<dvec *> vectors;
-    NameTable<YString> pseudonyms; // pseudonym to vector name
-    Group * next = nullptr;        // older neighbour in the list
+    NameTable<YString> pseudonyms;      // pseudonym to vector name
+    NameTable<YString> pseudonymOfName; // the other way round
+    Group * next = nullptr;             // older neighbour in the list
+    Group * previous = nullptr;         // newer neighbour in the list
+    bool listed = false;
+    std::uint64_t birth;                                      // clock of the loose pool when the group was made
+    std::multimap<std::uint32_t, Group *>::iterator runEntry; // valid while listed with a runId other than 0
     YString date;
-    YString name;
+    YString name; // does not change while the group is listed
     YString title;
     YString collection;
     std::shared_ptr<NameArray> labels; // never null; shared with vectors, replaced rather than written when shared

@@ -45,6 +45,18 @@ void listRestoredGroup(Group * group, YString const & storedName, bool quiet, Me
 void discardGroup(Group * group);
 // Destroys a listed group and mends the list and the special pointers.
 void destroyGroup(Group * group);
+void destroyAllGroups(); // but the protected and the local ones, newest first
 void purgeByPersistence();
-std::uint32_t newRunId(); // strictly rising
+void setRunId(Group * group, std::uint32_t runId); // of a group that may be listed already
+std::uint32_t newRunId();                          // strictly rising
 bool anyGroupHasRealData() noexcept;
+
+// A new local context on top of the stack; its end, with all its vectors. Calls are balanced by the caller.
+Group * pushContext();
+void popContext();
+
+// Collections: groups made while one is open belong to it and bear its name in front of their own.
+YString const & currentCollection() noexcept;         // empty when none is open
+bool openCollection(YString const & name, bool flag); // false when it was known already; current either way
+void closeCollection() noexcept;
+bool collectionFlag(std::string_view name) noexcept; // false when unknown

@@ -5,14 +5,17 @@
 
 #include <cstddef>
 
-// A list through the vectors themselves: entering and leaving cost a few stores.
+// A list through the vectors themselves, newest first: entering and leaving cost a few stores.
 class LoosePool {
 public:
     static void add(dvec * vector) noexcept;
-    static void remove(dvec * vector) noexcept; // no-op while a sweep is under way or when it is not in the pool
+    static void remove(dvec * vector) noexcept; // no-op when it is not in the pool
     static std::size_t count() noexcept;
     // Releases every vector; read-only ones are forgotten, not deleted. The pool is empty afterwards.
     static void sweep();
-    // A group dies: vectors made for it forget it.
-    static void forgetGroup(Group const * group) noexcept;
+    // Rises with every vector that is added.
+    static std::uint64_t clock() noexcept;
+    // A group dies: vectors made for it forget it. Looks only at vectors added since the clock stood at `birth`, when
+    // the group was made, so that the end of a context costs what was made in it, not what waits from before.
+    static void forgetGroup(Group const * group, std::uint64_t birth) noexcept;
 };

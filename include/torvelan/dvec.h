@@ -26,6 +26,10 @@ public:
     // Literals of one element for the local group: a real one of PT_LITERAL, a string one.
     dvec(YString name, double value);
     dvec(YString name, std::string_view text, Group * group, PhysType physType);
+    // As above for plain C strings. A null name is an internal error, and the vector is called "unnamed".
+    dvec(char const * name, Group * group, PhysType physType);
+    dvec(char const * name, double value);
+    dvec(char const * name, std::string_view text, Group * group, PhysType physType);
     // "group:name"; no group part, an empty one and an unknown group (with a message) give the local group.
     dvec(char const * qualifiedName, MessageHandler * messages);
     // Shares the data of both sides; a temporary, and not read-only.
@@ -60,7 +64,8 @@ private:
     friend class LoosePool;
     friend struct Group;
     Group * group = nullptr; // not owned
-    // Links of the loose pool; both null outside it.
+    // Links of the loose pool, both null outside it, and when the vector was added to it.
     dvec * poolPrevious = nullptr;
     dvec * poolNext = nullptr;
+    std::uint64_t poolTime = 0;
 };

@@ -1,0 +1,158 @@
+#include "Groups/GroupStore.h"
+
+#include "Groups/StoreParts.h"
+
+namespace {
+
+constinit NameSpace names;
+Group * head = nullptr;
+
+// Never destroyed, like the other tables of the store: a session may end after the statics of this library.
+NameTable<Group *> & listedGroups() {
+    static auto & table = *new NameTable<Group *>;
+    return table;
+}
+
+void enlist(Group * group) {
+    listedGroups().try_emplace(group->name, group);
+    group->listed = true;
+    joinRun(group);
+}
+
+void delist(Group * group) {
+    auto const entry = listedGroups().find(group->name);
+    if (entry != listedGroups().end() && entry->second == group) listedGroups().erase(entry);
+    group->listed = false;
+    releaseGroupName(group->name);
+}
+
+// Takes a group out of the list. The answer is the group that stands in for it as the current one: its newer
+// neighbour, the new head for the head, and behind that the first that is no local context, or the last of all.
+Group * unlink(Group * group) {
+    (group->previous != nullptr ? group->previous->next : head) = group->next;
+    if (group->next != nullptr) group->next->previous = group->previous;
+    Group * candidate = group->previous != nullptr ? group->previous : head;
+    while (candidate != nullptr && candidate->isLocal() && candidate->next != nullptr) candidate = candidate->next;
+    return candidate;
+}
+
+void forgetSpecial(Group const * group, Group * newCurrent) noexcept {
+    if (names.local == group) names.local = nullptr;
+    if (names.global == group) names.global = nullptr;
+    if (names.current == group) names.current = newCurrent;
+    forgetContext(group);
+}
+
+// The newest that may go; the local contexts before it are few.
+Group * newestOrdinaryGroup() noexcept {
+    Group * group = head;
+    while (group != nullptr && (group->isLocal() || group->isProtected() || group->destroying != 0))
+        group = group->next;
+    return group;
+}
+
+void makeRunIdVector(Group * group) {
+    auto * id = new dvec("$$RunId", group, PT_NONE);
+    id->addVal(static_cast<double>(group->runId));
+    id->enterGroup();
+    group->hasRealData = true;
+}
+
+} // namespace
+
+NameSpace & nameSpace() noexcept {
+    return names;
+}
+
+Group * groupListHead() noexcept {
+    return head;
+}
+
+Group * findGroup(std::string_view name) noexcept {
+    auto const entry = listedGroups().find(name);
+    return entry != listedGroups().end() ? entry->second : nullptr;
+}
+
+Group * findGroupOrCurrent(std::string_view name) noexcept {
+    return name.empty() ? names.current : findGroup(name);
+}
+
+Group * localOrGlobal() noexcept {
+    return names.local != nullptr ? names.local : names.global;
+}
+
+void forEachGroup(std::function<void(Group &)> const & visit) {
+    for (Group * group = head; group != nullptr;) {
+        Group * next = group->next;
+        visit(*group);
+        group = next;
+    }
+}
+
+void linkAtHead(Group * group) {
+    group->next = head;
+    if (head != nullptr) head->previous = group;
+    head = group;
+    enlist(group);
+}
+
+void linkAtTail(Group * group) {
+    Group * tail = head;
+    while (tail != nullptr && tail->next != nullptr) tail = tail->next;
+    (tail != nullptr ? tail->next : head) = group;
+    group->previous = tail;
+    enlist(group);
+}
+
+Group * makeGroup(YString const & title, YString const & baseName, std::uint32_t runId) {
+    Group * group = makeUnlistedGroup(title);
+    group->runId = runId;
+    listGroup(group, baseName);
+    return group;
+}
+
+Group * makeUnlistedGroup(YString const & title) {
+    return new Group("", title.empty() ? YString("Untitled") : title);
+}
+
+void listGroup(Group * group, YString const & baseName) {
+    group->collection = currentCollection();
+    YString base = baseName.empty() ? YString("unnamed") : baseName;
+    if (!group->collection.empty()) base = YString::joined(group->collection, {"_", base.view()});
+    group->name = uniqueGroupName(base);
+    purgeByPersistence();
+    linkAtHead(group);
+    if (group->runId != 0) makeRunIdVector(group);
+}
+
+void listRestoredGroup(Group * group, YString const & storedName, bool quiet, MessageHandler & messages) {
+    purgeByPersistence();
+    group->name = freeRestoredName(storedName);
+    if (!(group->name == storedName) && !quiet)
+        messages.info("Note: group name %s already exists.\nChanging name to %s \n", storedName, group->name);
+    linkAtHead(group);
+    names.current = group;
+}
+
+void discardGroup(Group * group) {
+    delete group;
+}
+
+void destroyGroup(Group * group) {
+    if (group->destroying != 0) return; // asked for by one of its own delete notifications
+    leaveRun(group);
+    group->end();
+    forgetSpecial(group, unlink(group));
+    delist(group);
+    delete group;
+}
+
+void destroyAllGroups() {
+    while (Group * group = newestOrdinaryGroup()) destroyGroup(group);
+}
+
+bool anyGroupHasRealData() noexcept {
+    for (Group const * group = head; group != nullptr; group = group->next)
+        if (group->hasRealData) return true;
+    return false;
+}
