@@ -11,12 +11,16 @@
 // "m") at *position, which is left behind the last character taken. *failed, and *position unmoved, when none stands
 // there: "inf", "nan", ".", "e5" are none, "0x10" is 0, "1e" is 1.
 double sp_GetEngToken(char ** position, bool * failed);
-// The same from a plain text; *end, where given, is the first character not taken. 0 when no number stands there.
+// The same from a plain text, with leading blanks and a sign; *end, where given, is the first character not taken. 0,
+// and *end the start, when no number stands there.
 double sp_ConvertEngToReal(char const * text, char const ** end);
+// For a text without a NUL; *taken, where given, is the number of characters taken.
+double sp_ConvertEngToReal(std::string_view text, std::size_t * taken);
 // Engineering form with the suffixes that sp_GetEngToken reads, `digits` significant digits, no trailing zeros:
-// 1000 is "1k", 0.0015 "1.5m", 1 "1". The flag keeps trailing zeros.
+// 1000 is "1k", 0.0015 "1.5m", 1 "1". The flag keeps trailing zeros. What is beyond the suffixes has an exponent
+// ("1e+15"); a NaN is "nan", an infinity "inf" or "-inf".
 YString sp_ConvertRealToJSEng(double value, int digits, bool trailingZeros);
-// As printf's "%.*g" or "%.*G".
+// As printf's "%.*g" or "%.*G" in the C locale.
 YString sp_FormatG(double value, int precision, bool upperCase = false);
 
 // As atoi: leading blanks, a sign, digits; clamped to the range of int, 0 when there are none.

@@ -1,0 +1,74 @@
+#include "support/Files.h"
+
+#include "support/OpenForReading.h"
+#include "support/Streams.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+bool isDirectory(struct stat const & status) {
+    return S_ISDIR(status.st_mode);
+}
+
+bool holdsNul(YString const & path) {
+    return path.view().find('\0') != std::string_view::npos;
+}
+
+int refuse(int error) {
+    errno = error;
+    return -1;
+}
+
+int readError(YString const & path) {
+    int const descriptor = openForReading(path);
+    if (descriptor < 0) return errno;
+    close(descriptor);
+    return 0;
+}
+
+YString directoryOf(YString const & path) {
+    std::size_t const slash = path.view().rfind('/');
+    if (slash == std::string_view::npos) return ".";
+    return YString(path.view().substr(0, slash == 0 ? 1 : slash));
+}
+
+// Asks without touching the file: a new one can be made where its directory can be written.
+int writeError(YString const & path) {
+    struct stat status {};
+    if (holdsNul(path)) return ENOENT;
+    if (stat(path.c_str(), &status) != 0)
+        return errno == ENOENT && access(directoryOf(path).c_str(), W_OK | X_OK) == 0 ? 0 : errno;
+    if (isDirectory(status)) return EISDIR;
+    return access(path.c_str(), W_OK) == 0 ? 0 : errno;
+}
+
+} // namespace
+
+int openForReading(YString const & path) noexcept {
+    if (holdsNul(path)) return refuse(ENOENT);
+    int const descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    struct stat status {};
+    if (descriptor < 0) return -1;
+    if (fstat(descriptor, &status) == 0 && !isDirectory(status)) return descriptor;
+    close(descriptor);
+    return refuse(EISDIR);
+}
+
+bool sp_FileOpenForensicMsg(YString const & path, int mode, YString * text) {
+    bool const reads = mode == tvfstream::modeRead || mode == tvfstream::modeReadUntranslated;
+    int const error = reads ? readError(path) : writeError(path);
+    if (error == 0) return false;
+    char const * const reason = strerrordesc_np(error); // the untranslated text
+    *text = YString::joined("Cannot open file '", {path, "': ", reason != nullptr ? reason : "unknown error"});
+    return true;
+}
+
+bool sp_ExistFile(YString const & path) {
+    struct stat status {};
+    return !holdsNul(path) && stat(path.c_str(), &status) == 0 && !isDirectory(status);
+}
