@@ -1,0 +1,35 @@
+// The options and operands of one command.
+#pragma once
+
+#include "Commands.h"
+
+#include <CLI/App.hpp>
+#include <optional>
+
+// Options are CLI11's, which reads values for more than they are: it splits "[1,2]" and stumbles over a leading '-'.
+// So operands never reach it, and a value goes to it glued to its option; both arrive as they stand.
+class CommandLine {
+public:
+    // `operands` and `operandHelp` are for the help text: "EXPR...", "what to evaluate".
+    CommandLine(std::string const & command, std::string const & summary, std::string const & operands,
+                std::string const & operandHelp);
+
+    CLI::App app;
+    // An option that may be given several times, each time with one value that is taken as it stands.
+    void addRepeated(std::string const & name, std::vector<std::string> & values, std::string const & type,
+                     std::string const & help);
+
+    // The exit status when that is all that was to do: help has been shown, or wrong usage reported.
+    std::optional<int> parse(Arguments const & arguments);
+    std::vector<std::string> const & operands() const noexcept { return operands_; }
+    // Reports wrong usage, and gives its exit status.
+    int usageError(std::string const & text) const;
+
+private:
+    // Sorts the arguments into operands and what CLI11 is to see.
+    std::vector<std::string> split(Arguments const & arguments);
+    bool takesValue(std::string const & option) const;
+
+    std::vector<std::string> operands_;
+    std::vector<std::string> shownOperands_; // what the help's operand line is bound to; never filled
+};

@@ -1,0 +1,42 @@
+// Standard output for data, standard error for words.
+#pragma once
+
+#include "torvelan/Messages.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+void writeOut(std::string_view text);
+void writeError(std::string_view text);
+// "error: text", on standard error; printed text of the engine goes to standard output as it is.
+void writeMessage(MessageLevel level, std::string_view text);
+// Writes out what is pending; `status`, or exitOutput with a message when standard output could not take all.
+int finishOutput(int status);
+
+char const * levelName(MessageLevel level); // "error", "warning", "info"
+
+// Shows messages at once. While a subject is set, normally a file, they begin with it unless they name it themselves.
+class ConsoleMessages final : public MessageHandler {
+public:
+    void finalOutput(MessageLevel level, YString const & text) override;
+    void setSubject(std::string subject) { subject_ = std::move(subject); }
+
+private:
+    std::string subject_;
+};
+
+// Keeps messages for later.
+class RecordedMessages final : public MessageHandler {
+public:
+    struct Message {
+        MessageLevel level;
+        std::string text;
+    };
+
+    void finalOutput(MessageLevel level, YString const & text) override;
+    std::vector<Message> const & list() const noexcept { return list_; }
+
+private:
+    std::vector<Message> list_;
+};

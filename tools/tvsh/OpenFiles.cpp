@@ -1,0 +1,68 @@
+#include "OpenFiles.h"
+
+#include "RawFileForm.h"
+
+#include "torvelan/ForeignData.h"
+
+namespace {
+
+struct TypeRow {
+    std::string_view name;
+    DataFileType type; // DATA_NOT_RECOGNISED: the library has no reader to ask
+};
+
+constexpr TypeRow typeRows[] = {
+    {"native", DATA_NOT_RECOGNISED}, {"text", DATA_TEXT},           {"spice2", DATA_SPICE2},   {"spice3", DATA_SPICE3},
+    {"pspice", DATA_PSPICE},         {"csdf", DATA_NOT_RECOGNISED}, {"quadrel", DATA_QUADREL},
+};
+
+struct FileArgument {
+    TypeRow const * type = nullptr; // null: to be found by looking
+    std::string path;
+};
+
+FileArgument splitArgument(std::string const & argument) {
+    auto const colon = argument.find(':');
+    if (colon == std::string::npos) return {nullptr, argument};
+    for (TypeRow const & row : typeRows)
+        if (std::string_view(argument).substr(0, colon) == row.name) return {&row, argument.substr(colon + 1)};
+    return {nullptr, argument};
+}
+
+constexpr char const * binaryText =
+    "this is a SPICE3 raw file in the binary form, and only the ASCII form can be read; "
+    "give ngspice the command 'set filetype=ascii' before it writes the file";
+constexpr char const * unknownText = "the type of this file is not recognised; SPICE3 raw files (ASCII) can be read";
+
+bool isReadable(FileArgument const & file, RawFileForm form, MessageHandler & messages) {
+    if (form == RawFileForm::binary) {
+        messages.error("%s", binaryText);
+    } else if (file.type != nullptr && file.type->type == DATA_NOT_RECOGNISED) {
+        messages.error("files of type '%s' cannot be read yet; SPICE3 raw files (ASCII) can", file.type->name);
+    } else if (file.type == nullptr && form == RawFileForm::other) {
+        messages.error("%s", unknownText);
+    } else {
+        return true;
+    }
+    return false;
+}
+
+bool openAs(FileArgument const & file, std::shared_ptr<ConsoleMessages> const & messages) {
+    bool const mayBeRaw = file.type == nullptr || file.type->type == DATA_SPICE3;
+    RawFileForm const form = mayBeRaw ? rawFileForm(file.path) : RawFileForm::other;
+    if (!isReadable(file, form, *messages)) return false;
+    DataFileType const type = file.type != nullptr ? file.type->type : DATA_SPICE3;
+    return vec_OpenForeignDataFile(YString(file.path), type, VecOpenGroupOptions(), nullptr, messages);
+}
+
+} // namespace
+
+char const * const fileHelp = "a SPICE3 raw file (ASCII); TYPE:FILE names the type, as in spice3:FILE";
+
+bool openFile(std::string const & argument, std::shared_ptr<ConsoleMessages> const & messages) {
+    FileArgument const file = splitArgument(argument);
+    messages->setSubject(file.path);
+    bool const opened = openAs(file, messages);
+    messages->setSubject("");
+    return opened;
+}

@@ -1,0 +1,41 @@
+#include "Commands.h"
+#include "Console.h"
+#include "Evaluation.h"
+#include "ExitStatus.h"
+#include "LineReader.h"
+#include "NumberText.h"
+#include "TextOutput.h"
+
+#include "torvelan/EngineSession.h"
+
+namespace {
+
+bool isQuit(std::string const & line) {
+    return line == "quit" || line == "exit";
+}
+
+bool isBlank(std::string const & line) {
+    return line.find_first_not_of(" \t\r") == std::string::npos;
+}
+
+bool runLine(std::string const & line, YRef<MessageHandler> const & messages) {
+    EngineSession::Command const command;
+    Evaluation const evaluation(line, messages);
+    for (XYVector const * value : evaluation.values()) writeOut(valueText(*value, shortestPrecision));
+    return evaluation.ok();
+}
+
+} // namespace
+
+int runPrompt() {
+    auto const console = std::make_shared<ConsoleMessages>();
+    EngineSession const session(console);
+    LineReader reader;
+    if (reader.isInteractive()) writeOut(std::string("tvsh ") + vec_Version() + "; 'quit' ends it\n");
+    bool ok = true;
+    while (auto const line = reader.next()) {
+        if (isQuit(*line)) break;
+        if (!isBlank(*line)) ok = runLine(*line, console) && ok;
+    }
+    return finishOutput(ok || reader.isInteractive() ? exitDone : exitExpression);
+}

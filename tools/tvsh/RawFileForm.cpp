@@ -1,0 +1,60 @@
+#include "RawFileForm.h"
+
+#include "torvelan/YString.h"
+
+#include <algorithm>
+#include <fstream>
+
+namespace {
+
+constexpr std::size_t longestLine = 4096; // kept of a line; the words looked for stand at its front
+
+// A line without its end; what is longer is dropped.
+bool readLine(std::istream & in, std::string & line) {
+    line.clear();
+    constexpr int endOfFile = std::istream::traits_type::eof();
+    int c;
+    while ((c = in.rdbuf()->sbumpc()) != endOfFile && c != '\n')
+        if (line.size() < longestLine) line += static_cast<char>(c);
+    return c == '\n' || !line.empty();
+}
+
+std::string_view keyOf(std::string_view line) {
+    auto const colon = line.find(':');
+    if (colon == std::string_view::npos) return {};
+    std::string_view const key = line.substr(0, colon);
+    auto const first = std::min(key.find_first_not_of(" \t"), key.size());
+    return key.substr(first);
+}
+
+bool isKey(std::string_view line, std::initializer_list<std::string_view> keys) {
+    std::string_view const key = keyOf(line);
+    return std::any_of(keys.begin(), keys.end(), [&](std::string_view k) { return equalNoCase(k, key); });
+}
+
+// The keyed lines of the header hold both counts, and only those keys that simulators write.
+bool readHeader(std::istream & in, std::string & line) {
+    int counts = 0;
+    while (readLine(in, line)) {
+        if (isKey(line, {"Variables"})) return counts == 2;
+        if (keyOf(line).empty() && line.find_first_not_of(" \t\r") != std::string::npos) return false;
+        if (isKey(line, {"No. Variables", "No. Points"})) ++counts;
+    }
+    return false;
+}
+
+} // namespace
+
+RawFileForm rawFileForm(std::string const & path) {
+    std::ifstream in(path, std::ios::binary);
+    std::string line;
+    in.peek();
+    if (in.bad() || !in.is_open()) return RawFileForm::unreadable; // a folder opens, but cannot be read
+    if (!readHeader(in, line)) return RawFileForm::other;
+    while (readLine(in, line))
+        if (isKey(line, {"Binary"}))
+            return RawFileForm::binary;
+        else if (isKey(line, {"Values"}))
+            break;
+    return RawFileForm::ascii;
+}
