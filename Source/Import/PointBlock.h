@@ -27,6 +27,7 @@ public:
         flushed_ += used_;
         used_ = 0;
     }
+    std::size_t columns() const noexcept { return vectors_.size(); }
     std::uint64_t total() const noexcept { return flushed_ + used_; }
 
 private:

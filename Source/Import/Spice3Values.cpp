@@ -1,6 +1,5 @@
 #include "Import/Spice3Values.h"
 
-#include "Import/NumberReader.h"
 #include "Import/PointBlock.h"
 #include "Import/Spice3Lines.h"
 #include "support/TextScan.h"
@@ -17,15 +16,20 @@ bool findValues(tvfstream & stream) {
     return false;
 }
 
+void skipIndex(tvfstream & stream) {
+    int index = 0;
+    stream >> index;
+}
+
 // False when the values ended before the last point. A number that touches the end of the file does not count: it may
 // have been cut.
-bool readRealPoints(NumberReader & numbers, std::int32_t numPoints, std::size_t numVariables,
-                    PointBlock<double> & block) {
+bool readPoints(tvfstream & stream, std::int32_t numPoints, PointBlock<double> & block) {
     for (std::int32_t point = 0; point < numPoints; ++point) {
-        numbers.skipInteger();
-        for (std::size_t i = 0; i < numVariables; ++i) {
+        skipIndex(stream);
+        for (std::size_t i = 0; i < block.columns(); ++i) {
             double value = 0;
-            if (!numbers.real(value) || numbers.atEnd()) return false;
+            stream >> value;
+            if (stream.eof() || stream.fail()) return false;
             block.add(value);
         }
     }
@@ -34,32 +38,25 @@ bool readRealPoints(NumberReader & numbers, std::int32_t numPoints, std::size_t 
 
 // Where the values end early the last state is repeated for the points announced, but never beyond what a file of that
 // size could have held.
-bool readComplexPoints(NumberReader & numbers, std::int32_t numPoints, std::size_t numVariables,
-                       std::uint64_t mostValues, PointBlock<complex> & block) {
+bool readPoints(tvfstream & stream, std::int32_t numPoints, PointBlock<complex> & block) {
+    std::uint64_t const mostValues = stream.getFileSize() / 2;
     complex value;
     for (std::int32_t point = 0; point < numPoints; ++point) {
-        numbers.skipInteger();
-        for (std::size_t i = 0; i < numVariables; ++i) {
-            if (numbers.real(value.re)) numbers.get();
-            numbers.real(value.im);
-            if (numbers.failed() && block.total() >= mostValues) return false;
+        skipIndex(stream);
+        for (std::size_t i = 0; i < block.columns(); ++i) {
+            stream >> value.re;
+            stream.get();
+            stream >> value.im;
+            if (stream.fail() && block.total() >= mostValues) return false;
             block.add(value);
         }
     }
     return true;
 }
 
-bool readPoints(tvfstream & stream, Spice3Header const & header, YArray<dvec *> const & vectors) {
-    NumberReader numbers(stream);
-    if (header.isComplex) {
-        PointBlock<complex> block(vectors);
-        bool const complete =
-            readComplexPoints(numbers, header.numPoints, vectors.size(), stream.getFileSize() / 2, block);
-        block.flush();
-        return complete;
-    }
-    PointBlock<double> block(vectors);
-    bool const complete = readRealPoints(numbers, header.numPoints, vectors.size(), block);
+template <class Element> bool readAll(tvfstream & stream, std::int32_t numPoints, YArray<dvec *> const & vectors) {
+    PointBlock<Element> block(vectors);
+    bool const complete = readPoints(stream, numPoints, block);
     block.flush();
     return complete;
 }
@@ -68,7 +65,8 @@ bool readPoints(tvfstream & stream, Spice3Header const & header, YArray<dvec *> 
 
 Spice3Result readSpice3Values(tvfstream & stream, Spice3Header const & header, YArray<dvec *> const & vectors) {
     if (!findValues(stream)) return Spice3Result::noValues;
-    if (readPoints(stream, header, vectors))
+    auto const read = header.isComplex ? readAll<complex> : readAll<double>;
+    if (read(stream, header.numPoints, vectors))
         for (dvec * vector : vectors) vector->shrinkReal();
     return Spice3Result::done;
 }
