@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 
+class CommandTimer;
 class dvec;
 class FuncArgs;
 class FuncResult;
@@ -56,6 +57,19 @@ struct TORVELAN_API FuncInfo {
     struct State {
         std::uint32_t words[2] = {0, 0};
     };
+    // The timer of the name, kept by the call sequence once found. A copy of the record may get another name, so that
+    // it looks for itself.
+    struct TimerLink {
+        CommandTimer * timer = nullptr;
+        std::uint32_t generation = 0; // of the set of timers that it was found in
+
+        TimerLink() noexcept = default;
+        TimerLink(TimerLink const &) noexcept {}
+        TimerLink & operator=(TimerLink const &) noexcept {
+            timer = nullptr;
+            return *this;
+        }
+    };
 
     YString name;
     argType argTypes[maxArguments] = {};
@@ -70,6 +84,7 @@ struct TORVELAN_API FuncInfo {
     bool flatDivisions = false;       // may be handed all divisions as one array: its elements do not know neighbours
     State state;
     YString summary; // one line for lists of functions
+    TimerLink timerLink;
 
     FuncInfo() = default;
     // `types` and `multiDefs_` hold maxArgs entries each; null multiDefs_ means all MULTI_REFUSED.
@@ -147,7 +162,7 @@ public:
     YString refName(int i) const;
     YString const & getFuncName() const noexcept { return funcName; }
     NamedVector * getXVec(int i) const noexcept;
-    NamedVector * getYVec(int i) const noexcept;
+    NamedVector * getYVec(int i) const;                           // writes a repeated scalar out
     void getYDivisionLabelArray(int i, NameArray * labels) const; // appends
     // Fills `out` with argument i, both sides as views of the current division. False when there is none.
     bool assignXYVec(XYVector * out, int i, MessageHandler & messages, ScpParseContext const & context) const;
@@ -165,6 +180,7 @@ public:
     bool add(NamedVector * y, NamedVector * ref); // not owned; false when the frame is full
     void setDivision(std::int64_t division) noexcept;
     bool setIncrementalOffset(std::int64_t offset, BaseVector const * reference) noexcept;
+    bool hasIncrementalOffset() const noexcept; // of any argument
     // Makes two arguments comparable for the current division. False after an error, which has been reported; *count
     // is the length that argument 0 had on entry.
     bool matchVecs(MessageHandler & messages, std::int64_t * count);
@@ -181,12 +197,23 @@ private:
         dvec * vector = nullptr; // the vector of both, when it came as one
         std::int64_t offset = 0; // incremental
         bool repeated = false;   // see isRepeatedScalar
-        bool expanded = false;   // a repeated scalar that has been written out after all
     };
 
     Argument const * at(int i) const noexcept { return i >= 0 && i < used ? &arguments[i] : nullptr; }
-    NamedVector * realised(int i) const; // y, a repeated scalar written out
-    void replace(int i, dvec * vector);
+    NamedVector * yOf(int i) const noexcept; // y as it is stored; null when there is none
+    NamedVector * refOf(int i) const noexcept;
+    NamedVector * realised(int i) const; // y, a repeated scalar written out first
+    void writeOut(int i) const;
+    // Lengths without offset, as if repeated scalars had been written out.
+    std::int64_t rawLength(int i) const noexcept;
+    std::int64_t storedLength(int i) const noexcept; // ignores the repetition
+    // A new temporary that shares the data of argument i.
+    dvec * copyOf(int i) const;
+    // Puts a vector in the place of y, and of the reference where that belonged to the vector replaced, which is
+    // released if it was a temporary of the frame.
+    void replace(int i, dvec * vector) const;
+    void releaseOwned(int i) noexcept;
+    bool standsElsewhere(int i) const noexcept; // the vector of i is that of another argument as well
     bool owns(int i) const noexcept;
 
     static constexpr int inlineArguments = 4;
@@ -195,6 +222,7 @@ private:
     Argument * arguments = inlineStore;
     int numArgs = 0; // capacity
     int used = 0;
+    std::int64_t division = 0; // last one set
     bool owner = true;
     bool flat = false;
     YString funcName;
@@ -230,6 +258,7 @@ public:
     void setMultiple();
     void emptyVectors(); // back to the state before this handler call
     void copy(FuncResult const & other);
+    // Take over the data, behind those of earlier divisions; y keeps its name.
     void copyVector(NamedVector const & vector);
     void copyVector(NamedVector const & vector, NamedVector const & reference);
     void importNames(FuncResult const & other);
@@ -249,12 +278,17 @@ public:
     void setIncrementalOffset(std::int64_t offset) noexcept { incrementalOffset = offset; }
     void setNumDivisions(std::int64_t n) noexcept { numDivisions = n; }
     void setPreferComplexResult() noexcept { preferComplexResult = true; }
-    void beginCall(); // notes the state that emptyVectors goes back to
+    void beginCall() noexcept;            // notes the state that emptyVectors goes back to
+    bool hasNewDivision() const noexcept; // y has data, and more divisions than when the call began
     NamedVector * getYVec() const noexcept { return y; }
     NamedVector * getXVec() const noexcept { return ref; }
 
 private:
     void allocate(NamedVector & vector, VD_type kind, std::int64_t n, ResultAllocType how, std::int64_t hint);
+    std::int64_t capacity(std::int64_t n, ResultAllocType how, std::int64_t hint) const noexcept;
+    template <class T> T * advanced(T * elements, NamedVector const & vector) const noexcept;
+    void takeOver(NamedVector & to, NamedVector const & from) const;
+    void convertRef(FuncArgs const & args, ResultAllocType how, std::int64_t hint, int argIndex);
 
     std::int64_t allocatedLength = 0;
     std::int64_t division = 0; // output division of this call
@@ -265,10 +299,13 @@ private:
     NamedVector * y = nullptr;
     VD_type refType = VD_UNSET;
     VD_type yType = VD_UNSET;
+    // What a vector held before this handler call.
     struct Mark {
         std::int64_t total = 0, divisions = 0;
     };
-    Mark yMark, refMark; // before this handler call
+    static Mark markOf(NamedVector const * vector) noexcept;
+    static void cutBack(NamedVector * vector, Mark const & mark);
+    Mark yMark, refMark;
 };
 
 // Calls the function named by the frame (getFuncName) on a frame filled from outside; a missing function does nothing.
