@@ -180,8 +180,15 @@ protected:
     void shareLazily(BaseVector const & other) noexcept;
 
 private:
-    VectorRep * unique(); // copy on write
-    std::int64_t absolute(std::int64_t division) const noexcept { return firstDivision + division; }
+    friend class XYVector;
+
+    VectorRep const & record() const noexcept; // that of an untouched vector when there is none
+    VectorRep * unique();                      // copy on write
+    template <class T> T * writable(VD_type kind);
+    bool acceptsLabels(std::size_t count, bool requireUnique) const noexcept;
+    std::int64_t absolute(std::int64_t division) const noexcept; // -1 for a negative one
+    std::int64_t shownLength(std::int64_t division) const noexcept; // by absolute index
+    void showAll() noexcept;
 
     std::int64_t forcedLength = -1;   // length reported for every division, when not -1
     std::int64_t currentDivision = 0; // absolute

@@ -1,0 +1,91 @@
+// Labels of divisions as text: the stored form keeps the value of a swept parameter to the last bit.
+#include "torvelan/Groups.h"
+
+#include "support/Numbers.h"
+#include "torvelan/PhysType.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <string>
+
+namespace {
+
+constexpr char fieldSeparator = ';';
+constexpr char partSeparator = '/';
+constexpr int fieldCount = 3;
+constexpr int displayDigits = 12;
+constexpr std::string_view hexDigits = "0123456789ABCDEF";
+constexpr std::size_t valueDigits = 2 * sizeof(double);
+
+// The bytes of a double in memory order, two digits each.
+std::string hexOf(double value) {
+    unsigned char bytes[sizeof value];
+    std::memcpy(bytes, &value, sizeof value);
+    std::string text;
+    for (unsigned char byte : bytes) {
+        text += hexDigits[byte >> 4];
+        text += hexDigits[byte & 15];
+    }
+    return text;
+}
+
+int digitValue(char c) noexcept {
+    if (c >= 'a' && c <= 'f') c = static_cast<char>(c - 'a' + 'A');
+    std::size_t at = hexDigits.find(c);
+    return at == std::string_view::npos ? -1 : static_cast<int>(at);
+}
+
+// 0 for anything but exactly the digits of one double.
+double valueOf(std::string_view text) noexcept {
+    unsigned char bytes[sizeof(double)];
+    if (text.size() != valueDigits) return 0;
+    for (std::size_t i = 0; i < sizeof bytes; ++i) {
+        int high = digitValue(text[2 * i]);
+        int low = digitValue(text[2 * i + 1]);
+        if (high < 0 || low < 0) return 0;
+        bytes[i] = static_cast<unsigned char>(high * 16 + low);
+    }
+    double value = 0;
+    std::memcpy(&value, bytes, sizeof value);
+    return value;
+}
+
+// Cuts the text up to the separator off the front; all of it when there is none.
+std::string_view takeUpTo(std::string_view & text, char separator) noexcept {
+    std::size_t at = std::min(text.find(separator), text.size());
+    std::string_view token = text.substr(0, at);
+    text.remove_prefix(std::min(at + 1, text.size()));
+    return token;
+}
+
+// A part that does not have the stored form is plain text, and shown as it is.
+std::string displayed(std::string_view part) {
+    if (std::ranges::count(part, fieldSeparator) != fieldCount - 1) return std::string(part);
+    std::string text(takeUpTo(part, fieldSeparator));
+    text += '=';
+    text += sp_ConvertRealToJSEng(valueOf(takeUpTo(part, fieldSeparator)), displayDigits, false).view();
+    return text;
+}
+
+} // namespace
+
+YString vec_ComposeDivisionString(YString const & label, double value, PhysType physType) {
+    std::string text(label.view());
+    std::ranges::replace(text, fieldSeparator, '_');
+    text += fieldSeparator;
+    text += hexOf(value);
+    text += fieldSeparator;
+    text += sp_GetPhysTypeString(physType).view();
+    return text;
+}
+
+YString vec_ComposeDivisionLabel(YString const & stored) {
+    std::string_view rest = stored.view();
+    std::string text;
+    for (auto parts = std::ranges::count(rest, partSeparator) + 1; parts > 0; --parts) {
+        text += displayed(takeUpTo(rest, partSeparator));
+        if (parts > 1) text += partSeparator;
+    }
+    return text;
+}
