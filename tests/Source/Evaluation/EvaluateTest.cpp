@@ -227,7 +227,7 @@ TEST_F(Evaluate, MemoryExhaustedInAnOperatorIsReported) {
     v->setSize(1000, VD_REAL);
     std::fill_n(v->writableRealData(), 1000, 1.0);
     v->enterGroup();
-    BlockMemory::failAllocation(1);
+    BlockMemory::failAt(1);
     YArray<XYVector *> out;
     EXPECT_EQ(vec_EvalVecList("v*2", &out, context, YString(), false), VEC_EXPRESSION_FAILED);
     EXPECT_EQ(messages->texts, Texts{"Evaluation of function '*' failed due to insufficient memory"});
@@ -237,7 +237,7 @@ TEST_F(Evaluate, MemoryExhaustedInAnOperatorIsReported) {
 TEST_F(Evaluate, MemoryExhaustedInAnActionPassesToTheCaller) {
     std::string list = "[1";
     for (int i = 0; i < 100; ++i) list += ",1";
-    BlockMemory::failAllocation(1);
+    BlockMemory::failAt(1);
     YArray<XYVector *> out;
     EXPECT_THROW((void)vec_EvalVecList((list + "]").c_str(), &out, context, YString(), false), MemoryException);
     EXPECT_EQ(EvaluationDepth::depth(), 0);

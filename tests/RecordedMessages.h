@@ -1,0 +1,22 @@
+// A message handler for tests: keeps every text in order.
+#pragma once
+
+#include "torvelan/Messages.h"
+
+#include <string>
+#include <vector>
+
+class RecordedMessages final : public MessageHandler {
+public:
+    void finalOutput(MessageLevel level, YString const & text) override {
+        levels.push_back(level);
+        texts.emplace_back(text.view());
+    }
+    void clear() {
+        levels.clear();
+        texts.clear();
+    }
+
+    std::vector<MessageLevel> levels;
+    std::vector<std::string> texts;
+};
