@@ -222,7 +222,7 @@ std::uint64_t tvfstream::getFileSize() const {
 }
 
 bool tvfstream::skipWhiteSpace() {
-    for (;; begin_ = end_ = 0) {
+    for (;;) {
         while (begin_ != end_ && isWhiteSpace(buffer_[begin_])) ++begin_;
         if (begin_ != end_) return true;
         if (!refill()) return false;
