@@ -269,6 +269,7 @@ private:
 
 FuncInfo choice(char const * name, FuncHandler handler, char const * summary) {
     FuncInfo info(name, twoNumbers, 2, 2, handler, eachOfTwo, false);
+    info.flatDivisions = true;
     info.summary = summary;
     return info;
 }

@@ -1,0 +1,210 @@
+// Routines that need the whole array, in order.
+
+#include "Funcs/MathKernels.h"
+
+#include "Evaluation/ElementBlocks.h"
+#include "Evaluation/Multiversion.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace mathkernels {
+
+namespace {
+
+constexpr double pi = 3.141592653589793;
+constexpr double turn = 6.283185307179586;
+constexpr std::size_t pieceLength = 256;
+
+// Follows the arguments of consecutive elements. The first one is never moved; a step of more than half a turn moves
+// all that come after by a whole one.
+class Unwrapper {
+public:
+    double offsetAt(double argument) noexcept {
+        double const step = argument - previous_;
+        if (!first_ && step > pi) offset_ -= turn;
+        if (!first_ && step < -pi) offset_ += turn;
+        first_ = false;
+        previous_ = argument;
+        return offset_;
+    }
+
+private:
+    bool first_ = true;
+    double previous_ = 0;
+    double offset_ = 0;
+};
+
+// Argument and offset are scaled apart and then added.
+void unwrap(double * out, double const * in, std::size_t count, double scale) {
+    Unwrapper unwrapper;
+    double arguments[pieceLength];
+    for (std::size_t i = 0; i < count; i += pieceLength) {
+        std::size_t const n = std::min(pieceLength, count - i);
+        argument(arguments, in + 2 * i, n);
+        for (std::size_t k = 0; k < n; ++k) {
+            double const offset = unwrapper.offsetAt(arguments[k]);
+            out[i + k] = arguments[k] * scale + offset * scale;
+        }
+    }
+}
+
+constexpr std::size_t lanes = 8;
+
+// The greatest magnitude, at least 0; a NaN has none. In lanes, since the order does not matter.
+TORVELAN_MULTIVERSION double greatestMagnitude(double const * in, std::size_t count) {
+    double best[lanes] = {};
+    std::size_t i = 0;
+    for (; i + lanes <= count; i += lanes)
+        for (std::size_t k = 0; k < lanes; ++k) {
+            double const x = std::fabs(in[i + k]);
+            best[k] = x > best[k] ? x : best[k];
+        }
+    for (; i < count; ++i) best[0] = std::max(best[0], std::fabs(in[i]));
+    return *std::max_element(best, best + lanes);
+}
+
+double greatestComplexMagnitude(double const * in, std::size_t count) {
+    double best = 0, magnitudes[pieceLength];
+    for (std::size_t i = 0; i < count; i += pieceLength) {
+        std::size_t const n = std::min(pieceLength, count - i);
+        complexMagnitude(magnitudes, in + 2 * i, n);
+        best = std::max(best, greatestMagnitude(magnitudes, n));
+    }
+    return best;
+}
+
+int divideBy(double divisor, double * out, double const * in, std::size_t count) {
+    if (divisor == 0) return zeroVector;
+    kernels::runLoop(kernels::realDivide, out, 1, {in, 1, false}, {&divisor, 1, true}, count);
+    return refusedNothing;
+}
+
+bool isGreater(double a, double b) noexcept {
+    return a > b;
+}
+
+bool isLess(double a, double b) noexcept {
+    return a < b;
+}
+
+// The place of the best element so far; the first of equals wins.
+template <bool (*isBetter)(double, double)> class Search {
+public:
+    explicit Search(double start) noexcept : best_(start) {}
+
+    void look(double x, std::size_t i) noexcept {
+        if (!isBetter(x, best_)) return;
+        best_ = x;
+        index_ = i;
+        found_ = true;
+    }
+    int answer(double * out) const noexcept {
+        if (found_) *out = static_cast<double>(index_);
+        return refusedNothing;
+    }
+
+private:
+    double best_;
+    std::size_t index_ = 0;
+    bool found_ = false;
+};
+
+using Greatest = Search<isGreater>;
+using Least = Search<isLess>;
+constexpr double mostPositive = std::numeric_limits<double>::max();
+
+template <class S> int searchReal(S search, double * out, double const * in, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) search.look(in[i], i);
+    return search.answer(out);
+}
+
+template <class S> int searchMagnitudes(S search, double * out, double const * in, std::size_t count) {
+    double magnitudes[pieceLength];
+    for (std::size_t i = 0; i < count; i += pieceLength) {
+        std::size_t const n = std::min(pieceLength, count - i);
+        complexMagnitude(magnitudes, in + 2 * i, n);
+        for (std::size_t k = 0; k < n; ++k) search.look(magnitudes[k], i + k);
+    }
+    return search.answer(out);
+}
+
+} // namespace
+
+int phase(double * out, double const * in, std::size_t count) {
+    unwrap(out, in, count, 1.0);
+    return refusedNothing;
+}
+
+int phaseDegrees(double * out, double const * in, std::size_t count) {
+    unwrap(out, in, count, 57.29577951308232);
+    return refusedNothing;
+}
+
+int normalise(double * out, double const * in, std::size_t count) {
+    return divideBy(greatestMagnitude(in, count), out, in, count);
+}
+
+int complexNormalise(double * out, double const * in, std::size_t count) {
+    return divideBy(greatestComplexMagnitude(in, count), out, in, 2 * count);
+}
+
+RandomSeed & randomSeed() noexcept {
+    static RandomSeed seed;
+    return seed;
+}
+
+int random(double * out, double const * in, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) out[i] = sp_Random(randomSeed()) * in[i] / 2147483647.0;
+    return refusedNothing;
+}
+
+int sum(double * out, double const * in, std::size_t count) {
+    double total = 0;
+    for (std::size_t i = 0; i < count; ++i) total += in[i];
+    *out = total;
+    return refusedNothing;
+}
+
+int complexSum(double * out, double const * in, std::size_t count) {
+    double re = 0, im = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        re += in[2 * i];
+        im += in[2 * i + 1];
+    }
+    out[0] = re;
+    out[1] = im;
+    return refusedNothing;
+}
+
+int mean(double * out, double const * in, std::size_t count) {
+    sum(out, in, count);
+    *out /= static_cast<double>(count);
+    return refusedNothing;
+}
+
+int complexMean(double * out, double const * in, std::size_t count) {
+    complexSum(out, in, count);
+    out[0] /= static_cast<double>(count);
+    out[1] /= static_cast<double>(count);
+    return refusedNothing;
+}
+
+int indexOfGreatest(double * out, double const * in, std::size_t count) {
+    return searchReal(Greatest(-mostPositive), out, in, count);
+}
+
+int complexIndexOfGreatest(double * out, double const * in, std::size_t count) {
+    return searchMagnitudes(Greatest(-mostPositive), out, in, count);
+}
+
+int indexOfLeast(double * out, double const * in, std::size_t count) {
+    return searchReal(Least(mostPositive), out, in, count);
+}
+
+int complexIndexOfLeast(double * out, double const * in, std::size_t count) {
+    return searchMagnitudes(Least(mostPositive), out, in, count);
+}
+
+} // namespace mathkernels
