@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <fast_float/fast_float.h>
 #include <string>
 
@@ -215,7 +216,7 @@ YString sp_ConvertRealToJSEng(double value, int digits, bool trailingZeros) {
     constexpr int mostDigits = 40;
     if (value != value) return "nan";
     char const * const sign = value < 0 ? "-" : "";
-    double const magnitude = value < 0 ? -value : value;
+    double const magnitude = std::fabs(value);
     if (magnitude > std::numeric_limits<double>::max()) return YString::joined(sign, {"inf"});
     return YString::joined(sign, {engineeringText(magnitude, std::clamp(digits, 1, mostDigits), trailingZeros)});
 }

@@ -1,0 +1,55 @@
+#include "support/TextScan.h"
+
+#include <array>
+#include <gmock/gmock.h>
+#include <vector>
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+std::vector<std::string_view> scan(std::string_view text, std::string_view separators) {
+    std::array<std::string_view, 8> tokens;
+    int const count = sp_ScanLine(text, separators, tokens.data(), 8);
+    return {tokens.begin(), tokens.begin() + count};
+}
+
+TEST(ScanLine, SplitsAtAnyOfTheSeparators) {
+    EXPECT_THAT(scan("0\tv(out) voltage\r", " \t\r"), ElementsAre("0", "v(out)", "voltage"));
+    EXPECT_THAT(scan("v(a)(b)", "()"), ElementsAre("v", "a", "b"));
+}
+
+TEST(ScanLine, RunsOfSeparatorsCountAsOne) {
+    EXPECT_THAT(scan("  a \t b  ", " \t"), ElementsAre("a", "b"));
+}
+
+TEST(ScanLine, NothingOrSeparatorsAloneGiveNoToken) {
+    EXPECT_THAT(scan("", " "), IsEmpty());
+    EXPECT_THAT(scan({}, " "), IsEmpty());
+    EXPECT_THAT(scan("   ", " "), IsEmpty());
+}
+
+TEST(ScanLine, WithoutSeparatorsTheTextIsOneToken) {
+    EXPECT_THAT(scan("a b", ""), ElementsAre("a b"));
+}
+
+TEST(ScanLine, SaysThatThereAreMoreTokensThanRoom) {
+    std::array<std::string_view, 3> tokens = {"", "", "untouched"};
+    EXPECT_EQ(sp_ScanLine("a b", " ", tokens.data(), 2), 2);
+    EXPECT_EQ(sp_ScanLine("a b c d e", " ", tokens.data(), 2), 3);
+    EXPECT_THAT(tokens, ElementsAre("a", "b", "untouched"));
+    EXPECT_EQ(sp_ScanLine("a", " ", nullptr, 0), 1);
+    EXPECT_EQ(sp_ScanLine(" ", " ", nullptr, 0), 0);
+}
+
+TEST(ScanLine, BytesAboveTheAsciiRangeSeparateToo) {
+    EXPECT_THAT(scan("a\xE4z\xFF", "\xE4\xFF"), ElementsAre("a", "z"));
+}
+
+TEST(ScanLine, TokensAreViewsOfTheText) {
+    std::string_view const text = "ab cd";
+    EXPECT_EQ(scan(text, " ")[1].data(), text.data() + 3);
+}
+
+} // namespace
