@@ -93,11 +93,12 @@ private:
 
     Group * groupFor(std::string_view name) {
         if (name.empty()) return nameSpace().global;
-        if (groups_.find(name) == groups_.end()) {
-            groups_.emplace(YString(name), makeGroup(YString(name), YString(name), 0));
-            nameSpace().current = groups_.find(name)->second;
-        }
-        return groups_.find(name)->second;
+        auto found = groups_.find(name);
+        if (found != groups_.end()) return found->second;
+        Group * group = makeUnlistedGroup(YString(name));
+        listRestoredGroup(group, YString(name), true, *messages_);
+        groups_.emplace(YString(name), group);
+        return group;
     }
 
     void given(std::string const & text) {

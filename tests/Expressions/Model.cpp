@@ -116,6 +116,8 @@ std::string differenceFrom(XYVector const & vector, Model const & model, double 
     if (model.reference.empty()) return vector.ref.totalLength() == 0 ? "" : "a reference";
     if (vector.ref.numDivisions() != std::int64_t(model.reference.size())) return "divisions of the reference";
     for (std::size_t d = 0; d < model.reference.size(); ++d)
+        if (vector.ref.length(std::int64_t(d)) != std::int64_t(model.reference[d].size())) return "reference length";
+    for (std::size_t d = 0; d < model.reference.size(); ++d)
         for (std::size_t i = 0; i < model.reference[d].size(); ++i)
             if (vector.ref.getReal(std::int64_t(i), std::int64_t(d)) != model.reference[d][i]) return "reference value";
     return "";

@@ -36,6 +36,12 @@ protected:
         std::free(out);
         return result;
     }
+    Group * makeRun() {
+        Group * group = makeUnlistedGroup(YString("title"));
+        listRestoredGroup(group, YString("run"), true, *messages);
+        nameSpace().current = nameSpace().global;
+        return group;
+    }
     void makeAlias(char const * name, char const * expression, Group * group = nullptr) {
         auto * alias = new dvec(YString(name), expression, group, PT_UNKNOWN);
         alias->enterGroup();
@@ -64,7 +70,7 @@ TEST_F(Evaluate, ANumberIsZeroUnlessItIsOneReal) {
 }
 
 TEST_F(Evaluate, ANumberLooksAtLocalAndGlobalGroupsOnly) {
-    Group * run = makeGroup(YString("t"), YString("run"), 0);
+    Group * run = makeRun();
     nameSpace().current = run;
     (new dvec(YString("x"), run, PT_UNKNOWN))->enterGroup();
     EXPECT_EQ(number("x", VEC_EVAL_FAILED), 0);
@@ -157,19 +163,19 @@ TEST_F(Evaluate, ListAnswersItsCodes) {
 }
 
 TEST_F(Evaluate, AMemberKeepsItsNameWhenTheValueTakesAnother) {
-    Group * run = makeGroup(YString("t"), YString("run"), 0);
+    Group * run = makeRun();
     auto * x = new dvec(YString("x"), run, PT_UNKNOWN);
     (void)x->addVal(3.0);
     x->enterGroup();
     YArray<XYVector *> out;
-    ASSERT_EQ(vec_EvalVecList("run1:x", &out, context, YString(), false), VEC_OK);
-    EXPECT_EQ(out.at(0)->name(), "run1:x");
+    ASSERT_EQ(vec_EvalVecList("run:x", &out, context, YString(), false), VEC_OK);
+    EXPECT_EQ(out.at(0)->name(), "run:x");
     EXPECT_EQ(x->name(), "x");
     EXPECT_NE(out.at(0), x);
     vec_ReleaseVector(out.at(0));
-    ASSERT_EQ(vec_EvalVecList("x", &out, context, YString("run1"), false), VEC_EXPRESSION_FAILED);
+    ASSERT_EQ(vec_EvalVecList("x", &out, context, YString("run"), false), VEC_EXPRESSION_FAILED);
     nameSpace().current = run;
-    ASSERT_EQ(vec_EvalVecList("x", &out, context, YString("run1"), false), VEC_OK);
+    ASSERT_EQ(vec_EvalVecList("x", &out, context, YString("run"), false), VEC_OK);
     EXPECT_EQ(out.at(1)->name(), ":x");
 }
 
@@ -245,12 +251,12 @@ TEST_F(Evaluate, MemoryExhaustedInAnActionPassesToTheCaller) {
 }
 
 TEST_F(Evaluate, AFaultInAnAliasRestoresTheGroups) {
-    Group * run = makeGroup(YString("t"), YString("run"), 0);
+    Group * run = makeRun();
     makeAlias("a", "5%0.5", run);
     Group * const local = nameSpace().local;
     Group * const current = nameSpace().current;
     YArray<XYVector *> out;
-    EXPECT_EQ(vec_EvalVecList("run1:a+1", &out, context, YString(), false), VEC_EXPRESSION_FAILED);
+    EXPECT_EQ(vec_EvalVecList("run:a+1", &out, context, YString(), false), VEC_EXPRESSION_FAILED);
     EXPECT_EQ(nameSpace().local, local);
     EXPECT_EQ(nameSpace().current, current);
     EXPECT_NE(messages->texts.at(0).find("An integer divide by zero exception"), std::string::npos);
