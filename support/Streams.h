@@ -63,6 +63,13 @@ public:
     tvfstream & operator>>(int & value);
     tvfstream & operator>>(double & value);
 
+    // For readers that look ahead: what is next to come, as far as it is in the buffer now (nothing after a failure),
+    // and going over the first n characters of it.
+    std::string_view buffered() const noexcept {
+        return fail_ ? std::string_view() : std::string_view(buffer_ + begin_, end_ - begin_);
+    }
+    void skipBuffered(std::size_t n) noexcept { begin_ += n; }
+
 private:
     bool refill();              // false at the end of the file
     bool ensure(std::size_t n); // at least n bytes from begin_ on are in the buffer, or the file ends

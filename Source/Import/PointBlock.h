@@ -17,6 +17,12 @@ public:
         values_.resize(std::max<std::size_t>(blockValues / columns, 1) * columns);
     }
 
+    // Room for a whole point, at the start of one; addPoint takes over what has been written there.
+    Element * room() noexcept { return &values_[used_]; }
+    void addPoint() {
+        used_ += columns();
+        if (used_ == values_.size()) flush();
+    }
     void add(Element value) {
         values_[used_++] = value;
         if (used_ == values_.size()) flush();

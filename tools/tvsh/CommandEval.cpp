@@ -26,7 +26,9 @@ void declare(CommandLine & line, EvalOptions & options) {
     line.addRepeated("--let", options.assignments, "EXPR", "evaluate an assignment first, such as 'a=3'");
     line.app.add_option("--group", options.group, "the group in which names are looked up")->type_name("NAME");
     line.app.add_flag("--json", options.json, "one JSON object a line, with all values");
-    line.app.add_option("--precision", options.precision, "significant digits; by default as many as are needed")
+    line.app
+        .add_option("--precision", options.precision,
+                    "significant digits; by default all of a single number, 6 of several")
         ->type_name("N")
         ->check(CLI::Range(1, 17));
 }

@@ -32,9 +32,9 @@ std::vector<Column> columnsOf(std::vector<std::unique_ptr<Evaluation>> const & e
             bool const isNew = shown == nullptr || !shown->sameData(value->ref);
             if (value->ref.totalLength() > 0 && isNew && !value->sameData(value->ref)) {
                 shown = &value->ref;
-                columns.push_back({std::string(shown->name().view()), shown});
+                columns.push_back({displayName(shown->name()), shown});
             }
-            columns.push_back({std::string(value->name().view()), value});
+            columns.push_back({displayName(value->name()), value});
         }
     return columns;
 }

@@ -31,7 +31,7 @@ std::string extentText(XYVector const & vector, std::int64_t division) {
     bool const hasReference = vector.ref.totalLength() > 0 && !vector.ref.name().empty();
     if (n <= 1 || (n <= shownWhole && !hasReference)) return "";
     std::string text = "  [" + std::to_string(n) + " values";
-    if (hasReference) text += " over " + std::string(vector.ref.name().view());
+    if (hasReference) text += " over " + displayName(vector.ref.name());
     return text + "]";
 }
 
@@ -55,10 +55,20 @@ std::string elementText(BaseVector const & vector, std::int64_t i, std::int64_t 
     return "(" + real + ", " + engineeringNumber(vector.getImag(i, division), precision, unit) + ")";
 }
 
+std::string displayName(YString const & name) {
+    constexpr std::string_view beforeNames = "+-*/%^()[]!=<>&|, ";
+    std::string text;
+    for (char const c : name.view())
+        if (c != ':' || !(text.empty() || beforeNames.find(text.back()) != std::string_view::npos)) text += c;
+    return text;
+}
+
 std::string valueText(XYVector const & vector, int precision) {
+    constexpr int precisionOfSeveral = 6;
+    if (precision == shortestPrecision && vector.totalLength() > 1) precision = precisionOfSeveral;
     std::string text;
     for (std::int64_t division = 0; division < vector.numDivisions(); ++division)
-        text += std::string(vector.name().view()) + labelText(vector, division) + " = " +
+        text += displayName(vector.name()) + labelText(vector, division) + " = " +
                 elementsText(vector, division, precision) + extentText(vector, division) + "\n";
     return text;
 }

@@ -1,0 +1,73 @@
+#include "Import/PlainPoint.h"
+
+#include <fast_float/fast_float.h>
+
+namespace {
+
+bool isWhiteSpace(char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+// Goes forward through a text; once something does not fit it has failed for good.
+class PlainScanner {
+public:
+    explicit PlainScanner(std::string_view text) : start_(text.data()), position_(start_), end_(start_ + text.size()) {}
+
+    void index() {
+        constexpr std::ptrdiff_t mostDigits = 9; // any such number is an int
+        skipWhiteSpace();
+        char const * const first = position_;
+        while (position_ != end_ && *position_ >= '0' && *position_ <= '9') ++position_;
+        std::ptrdiff_t const digits = position_ - first;
+        require(digits > 0 && digits <= mostDigits && position_ != end_ && isWhiteSpace(*position_));
+    }
+    void number(double & value) {
+        skipWhiteSpace();
+        numberHere(value);
+        require(position_ != end_ && isWhiteSpace(*position_));
+    }
+    void number(complex & value) {
+        skipWhiteSpace();
+        numberHere(value.re);
+        require(position_ != end_ && *position_ == ',');
+        if (failed_) return;
+        ++position_;
+        numberHere(value.im);
+        require(position_ != end_ && isWhiteSpace(*position_));
+    }
+    bool failed() const noexcept { return failed_; }
+    std::size_t taken() const noexcept { return static_cast<std::size_t>(position_ - start_); }
+
+private:
+    void require(bool condition) noexcept { failed_ = failed_ || !condition; }
+    void skipWhiteSpace() {
+        while (position_ != end_ && isWhiteSpace(*position_)) ++position_;
+    }
+    void numberHere(double & value) {
+        auto const result = fast_float::from_chars(position_, end_, value);
+        require(result.ec == std::errc() && value == value);
+        position_ = result.ptr;
+    }
+
+    char const * const start_;
+    char const * position_;
+    char const * const end_;
+    bool failed_ = false;
+};
+
+template <class Element> std::size_t parsePoint(std::string_view text, Element * values, std::size_t n) {
+    PlainScanner scanner(text);
+    scanner.index();
+    for (std::size_t i = 0; i < n && !scanner.failed(); ++i) scanner.number(values[i]);
+    return scanner.failed() ? 0 : scanner.taken();
+}
+
+} // namespace
+
+std::size_t parsePlainPoint(std::string_view text, double * values, std::size_t n) {
+    return parsePoint(text, values, n);
+}
+
+std::size_t parsePlainPoint(std::string_view text, complex * values, std::size_t n) {
+    return parsePoint(text, values, n);
+}
