@@ -17,10 +17,17 @@ constexpr unsigned char foldCase(char c) noexcept {
     return static_cast<unsigned char>(c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c);
 }
 
-std::uint64_t loadWord(char const * p, std::size_t n = sizeof(std::uint64_t)) noexcept {
-    std::uint64_t word = 0;
-    if (n != 0) std::memcpy(&word, p, n);
+template <class Word> std::uint64_t load(char const * p) noexcept {
+    Word word;
+    std::memcpy(&word, p, sizeof word);
     return word;
+}
+
+// The bytes of a text of fewer than eight, each at least once, by loads of fixed sizes that may overlap.
+std::uint64_t loadShort(char const * p, std::size_t n) noexcept {
+    if (n >= 4) return load<std::uint32_t>(p) | load<std::uint32_t>(p + n - 4) << 32;
+    if (n == 0) return 0;
+    return load<unsigned char>(p) | load<unsigned char>(p + n / 2) << 8 | load<unsigned char>(p + n - 1) << 16;
 }
 
 // foldCase of eight characters at once. Adding to the low seven bits carries into the top bit of each byte exactly
@@ -36,13 +43,14 @@ constexpr std::uint64_t foldWord(std::uint64_t word) noexcept {
 
 constexpr std::uint64_t mixWord(std::uint64_t hash, std::uint64_t word) noexcept {
     hash = (hash ^ word) * 0x9E3779B97F4A7C15U;
-    return hash ^ (hash >> 29);
+    return hash ^ (hash >> 32);
 }
 
 bool equalNoCaseBytes(char const * a, char const * b, std::size_t n) noexcept {
-    for (; n >= 8; a += 8, b += 8, n -= 8)
-        if (foldWord(loadWord(a)) != foldWord(loadWord(b))) return false;
-    return foldWord(loadWord(a, n)) == foldWord(loadWord(b, n));
+    if (n < 8) return foldWord(loadShort(a, n)) == foldWord(loadShort(b, n));
+    for (std::size_t i = 0; i + 8 < n; i += 8)
+        if (foldWord(load<std::uint64_t>(a + i)) != foldWord(load<std::uint64_t>(b + i))) return false;
+    return foldWord(load<std::uint64_t>(a + n - 8)) == foldWord(load<std::uint64_t>(b + n - 8));
 }
 
 constexpr std::size_t longest = static_cast<std::size_t>(PTRDIFF_MAX) / 2;
@@ -205,9 +213,10 @@ bool equalNoCase(std::string_view a, std::string_view b) noexcept {
 }
 
 std::size_t hashNoCase(std::string_view text) noexcept {
-    std::uint64_t hash = 0xC2B2AE3D27D4EB4FU ^ text.size();
-    char const * p = text.data();
-    std::size_t n = text.size();
-    for (; n >= 8; p += 8, n -= 8) hash = mixWord(hash, foldWord(loadWord(p)));
-    return static_cast<std::size_t>(mixWord(hash, foldWord(loadWord(p, n))) ^ (hash >> 32));
+    char const * const p = text.data();
+    std::size_t const n = text.size();
+    std::uint64_t hash = 0xC2B2AE3D27D4EB4FU ^ n;
+    if (n < 8) return static_cast<std::size_t>(mixWord(hash, foldWord(loadShort(p, n))));
+    for (std::size_t i = 0; i + 8 < n; i += 8) hash = mixWord(hash, foldWord(load<std::uint64_t>(p + i)));
+    return static_cast<std::size_t>(mixWord(hash, foldWord(load<std::uint64_t>(p + n - 8))));
 }

@@ -405,6 +405,32 @@ TEST(Extraction, ShortTextsAtABlockEdgeReadAsAnywhere) {
     }
 }
 
+// What a stream says while a text behind `before` blanks is read number by number, stepping over what is none.
+std::vector<std::string> readings(std::string const & text, std::size_t before) {
+    Source source(std::string(before, ' ') + text);
+    tvfstream & stream = source.stream;
+    std::vector<std::string> log;
+    for (;;) {
+        double value = -99;
+        stream >> value;
+        auto const place = stream.tellg() - static_cast<std::int64_t>(before);
+        log.push_back(
+            cFormat("%.17g %d %d %ld", value, int(stream.fail()), int(stream.eof()), static_cast<long>(place)));
+        if (stream.eof()) return log;
+        if (stream.fail()) stream.seekg(1, 1);
+    }
+}
+
+TEST(Extraction, RandomTextsReadTheSameAcrossABlockEdge) {
+    std::mt19937 random(8);
+    std::string_view const alphabet = "0123456789..--++eEinfaty(x) \t\n";
+    for (int i = 0; i < 300; ++i) {
+        std::string text(1 + random() % 30, ' ');
+        for (char & c : text) c = alphabet[random() % alphabet.size()];
+        ASSERT_EQ(readings(text, blockSize - random() % 32), readings(text, 0)) << text;
+    }
+}
+
 TEST(Extraction, NumbersOfMillionsOfDigits) {
     std::string const zeros(5'000'000, '0');
     EXPECT_EQ(extracted("0." + zeros + "1"), 0.0);
