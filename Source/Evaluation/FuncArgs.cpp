@@ -261,7 +261,9 @@ NamedVector * FuncArgs::realised(int i) const {
 
 void FuncArgs::writeOut(int i) const {
     NamedVector const & partner = *yOf(1 - i);
-    YArray<std::int64_t> lengths(static_cast<std::size_t>(numYDivisions(i)));
+    // Each of several divisions is repeated to the length of a lone one.
+    std::int64_t const count = std::max(yOf(i)->numDivisions(), partner.numDivisions());
+    YArray<std::int64_t> lengths(static_cast<std::size_t>(count));
     for (std::size_t d = 0; d < lengths.size(); ++d)
         lengths[d] = partner.length(partner.numDivisions() > 1 ? static_cast<std::int64_t>(d) : 0);
     dvec * expanded = copyOf(i);

@@ -53,12 +53,15 @@ void resample(double const * xNew, std::int64_t nNew, double const * yOld, doubl
     for (std::int64_t i = 0; i < nNew; ++i) {
         double const x = xNew[i];
         while (at < nOld && before(xOld[at], x)) ++at;
+        bool const hit = at < nOld && xOld[at] == x;
         if (at == nOld)
             yNew[i] = yOld[nOld - 1];
-        else if (at == 0 || xOld[at] == x)
+        else if (hit || at == 0)
             yNew[i] = yOld[at];
         else
             yNew[i] = between(xOld, yOld, nOld, at - 1, x);
+        // A step on both sides keeps both its ends.
+        if (hit && i + 1 < nNew && xNew[i + 1] == x && at + 1 < nOld && xOld[at + 1] == x) ++at;
     }
 }
 

@@ -20,7 +20,7 @@ bool ArgumentMatcher::repeat(int i) {
     if (canRepeatLazily(i))
         args.arguments[i].repeated = true;
     else
-        expand(i);
+        args.writeOut(i);
     shareReference();
     return true;
 }
@@ -32,16 +32,6 @@ bool ArgumentMatcher::canRepeatLazily(int i) const {
     std::int64_t const others = args.yOf(1 - i)->numDivisions();
     bool const fits = own == 1 || others == 1 || own == others;
     return fits && (y.isReal() || y.isComplex()) && y.everyDivisionHasData() && y.totalLength() == own;
-}
-
-void ArgumentMatcher::expand(int i) {
-    NamedVector const & partner = *args.yOf(1 - i);
-    YArray<std::int64_t> lengths(static_cast<std::size_t>(partner.numDivisions()));
-    for (std::size_t d = 0; d < lengths.size(); ++d) lengths[d] = partner.length(static_cast<std::int64_t>(d));
-    dvec * expanded = args.copyOf(i);
-    expanded->expandTo(lengths);
-    args.replace(i, expanded);
-    expanded->setDivision(args.division);
 }
 
 // The side without reference takes the other's. Both then are one vector, so that no later division finds a difference.

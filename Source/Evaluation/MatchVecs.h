@@ -20,7 +20,6 @@ private:
     bool interpolate();
     bool reportIncompatible();
     void dropReference(int i);
-    void expand(int i);
     bool canRepeatLazily(int i) const;
     void shareReference();
     bool hasReference(int i) const;

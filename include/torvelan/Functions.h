@@ -203,7 +203,7 @@ private:
     NamedVector * yOf(int i) const noexcept; // y as it is stored; null when there is none
     NamedVector * refOf(int i) const noexcept;
     NamedVector * realised(int i) const; // y, a repeated scalar written out first
-    void writeOut(int i) const;
+    void writeOut(int i) const;          // y repeated to the lengths of the other argument
     // Lengths without offset, as if repeated scalars had been written out.
     std::int64_t rawLength(int i) const noexcept;
     std::int64_t storedLength(int i) const noexcept; // ignores the repetition
