@@ -66,8 +66,8 @@ TEST(Session, GlobalGroupHoldsTheConstantsReadOnly) {
 }
 
 TEST(Session, CommandCollectsTheTemporariesOfTheOneBefore) {
-    EngineSession session;
     int deaths = 0;
+    EngineSession session;
     {
         EngineSession::Command command;
         new WatchedVector("temporary", nullptr, &deaths);

@@ -101,7 +101,6 @@ TEST_F(VectorApiTest, ReadOnlyVectorIsNotDeleted) {
 }
 
 TEST_F(VectorApiTest, DirectDeletionIsAtOnceTheOtherLeavesATemporary) {
-    int deaths = 0;
     Group * global = nameSpace().global;
     (new WatchedVector("a", global, &deaths))->enterGroup();
     (new WatchedVector("b", global, &deaths))->enterGroup();

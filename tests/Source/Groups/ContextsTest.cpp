@@ -33,7 +33,6 @@ TEST_F(ContextsTest, ContextsNestAndTheirNumbersRise) {
 }
 
 TEST_F(ContextsTest, PopEndsTheVectorsOfTheContext) {
-    int deaths = 0;
     Group * context = pushContext();
     (new WatchedVector("v", context, &deaths))->enterGroup();
     popContext();

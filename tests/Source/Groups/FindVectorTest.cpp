@@ -8,9 +8,12 @@ std::size_t allocations = 0;
 } // namespace
 
 // Counts, for the test that a search allocates nothing.
-void * operator new(std::size_t size) {
+void * operator new(std::size_t size, std::nothrow_t const &) noexcept {
     ++allocations;
-    if (void * memory = std::malloc(size != 0 ? size : 1)) return memory;
+    return std::malloc(size != 0 ? size : 1);
+}
+void * operator new(std::size_t size) {
+    if (void * memory = operator new(size, std::nothrow)) return memory;
     throw std::bad_alloc();
 }
 void operator delete(void * memory) noexcept {

@@ -142,7 +142,6 @@ TEST_F(GroupTest, NotificationMayAskForTheSameDestructionAgain) {
 }
 
 TEST_F(GroupTest, DyingGroupDeletesItsVectorsReadOnlyOrNot) {
-    int deaths = 0;
     Group * group = makeGroup("", "grp", 0);
     for (char const * name : {"a", "b", "c"}) {
         auto * vector = new WatchedVector(name, group, &deaths);

@@ -5,7 +5,6 @@ namespace {
 using LoosePoolTest = StoreFixture;
 
 TEST_F(LoosePoolTest, SweepEndsEveryTemporaryAndNoMember) {
-    int deaths = 0;
     for (int i = 0; i < 10; ++i) new WatchedVector("loose", nullptr, &deaths);
     auto * kept = new WatchedVector("kept", nullptr, &deaths);
     kept->enterGroup();
@@ -18,7 +17,6 @@ TEST_F(LoosePoolTest, SweepEndsEveryTemporaryAndNoMember) {
 }
 
 TEST_F(LoosePoolTest, ReadOnlyTemporaryIsForgottenNotDeleted) {
-    int deaths = 0;
     Group * group = makeGroup("", "pool", 0);
     auto * vector = new WatchedVector("constant", group, &deaths);
     vector->flags |= VF_READONLY;
@@ -33,7 +31,6 @@ TEST_F(LoosePoolTest, ReadOnlyTemporaryIsForgottenNotDeleted) {
 
 TEST_F(LoosePoolTest, VectorsLeaveInAnyOrder) {
     LoosePool::sweep();
-    int deaths = 0;
     dvec * vectors[5];
     for (dvec *& vector : vectors) vector = new WatchedVector("v", nullptr, &deaths);
     for (int const i : {2, 0, 4, 3, 1}) {

@@ -50,6 +50,7 @@ protected:
 
     std::shared_ptr<RecordedMessages> reports = std::make_shared<RecordedMessages>(); // what belongs to no command
     RecordedMessages messages;
+    int deaths = 0; // of watched vectors, some of which live as long as the session
     EngineSession session{reports};
 };
 

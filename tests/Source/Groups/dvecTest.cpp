@@ -167,7 +167,6 @@ TEST_F(DvecTest, AssignToItselfChangesNothing) {
 }
 
 TEST_F(DvecTest, ReleaseEndsTemporariesAndMembersButNothingReadOnly) {
-    int deaths = 0;
     std::size_t const before = LoosePool::count();
     (new WatchedVector("a", nullptr, &deaths))->release();
     EXPECT_EQ(deaths, 1);
