@@ -59,9 +59,10 @@ public:
     // Correctly rounded: the suffix counts as part of the exponent, it is no factor.
     double value() const {
         constexpr std::int64_t exactPower = 22; // the largest power of ten that a double holds exactly
-        constexpr std::uint64_t exactWhole = std::uint64_t{1} << 53;
+        constexpr std::uint64_t exactWhole = std::uint64_t{1}
+                                             << 53; // digits beyond those kept would be beyond this too
         std::int64_t const power = exponent_ + scale_;
-        if (significant_ <= 19 && significand_ <= exactWhole && power >= -exactPower && power <= exactPower) {
+        if (significand_ <= exactWhole && power >= -exactPower && power <= exactPower) {
             auto const whole = static_cast<double>(significand_);
             return power < 0 ? whole / powersOfTen[-power] : whole * powersOfTen[power];
         }

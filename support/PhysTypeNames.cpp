@@ -43,15 +43,10 @@ Row const & rowOf(PhysType type) {
     return type < rows.size() ? rows[type] : rows[PT_UNKNOWN];
 }
 
-// The one row with the name or unit under a comparison; nothing when there are none or several.
-template <class Equal> std::optional<PhysType> onlyRow(std::string_view text, Equal equal) {
-    std::optional<PhysType> found;
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        if (!equal(rows[i].name, text) && !equal(rows[i].unit, text)) continue;
-        if (found) return std::nullopt;
-        found = static_cast<PhysType>(i);
-    }
-    return found;
+template <class Equal> std::optional<PhysType> findRow(std::string_view text, Equal equal) {
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        if (equal(rows[i].name, text) || equal(rows[i].unit, text)) return static_cast<PhysType>(i);
+    return std::nullopt;
 }
 
 } // namespace
@@ -75,9 +70,9 @@ PhysType sp_GetPhysTypeFromString(YString const & stored) {
 }
 
 bool sp_GetPhysTypeFromName(YString const & name, PhysType * type) {
-    if (name.empty()) return false; // several rows have no unit
-    std::optional<PhysType> found = onlyRow(name, std::equal_to<std::string_view>());
-    if (!found) found = onlyRow(name, equalNoCase);
+    if (name.empty()) return false;                                                   // several rows have no unit
+    std::optional<PhysType> found = findRow(name, std::equal_to<std::string_view>()); // "s" and "S" are two units
+    if (!found) found = findRow(name, equalNoCase);
     if (found) *type = *found;
     return found.has_value();
 }

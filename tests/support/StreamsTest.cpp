@@ -121,6 +121,16 @@ TEST(FileStream, SeeksAnywhere) {
     }
 }
 
+TEST(FileStream, SeeksBackAfterAReadThatPassedTheBufferBy) {
+    std::string const bytes = randomBytes(3 * blockSize);
+    Source source(bytes);
+    std::string room(2 * blockSize, '\0');
+    source.stream.get();
+    ASSERT_EQ(source.stream.read(room.data(), room.size()), room.size());
+    source.stream.seekg(-10, 1);
+    EXPECT_EQ(source.stream.get(), static_cast<unsigned char>(bytes[room.size() - 9]));
+}
+
 TEST(FileStream, SeekClearsTheFlags) {
     Source source("ab");
     char room[3];
