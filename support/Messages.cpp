@@ -2,6 +2,7 @@
 
 #include "torvelan/Host.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 
