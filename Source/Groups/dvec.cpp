@@ -101,10 +101,11 @@ dvec::dvec(dvec const & other)
     LoosePool::add(this);
 }
 
+// The table of a group that ends is empty already when its vectors go.
 dvec::~dvec() {
     if (isTemporary())
         LoosePool::remove(this);
-    else if (group->destroying == 0)
+    else
         group->remove(this);
 }
 

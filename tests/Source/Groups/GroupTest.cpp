@@ -141,6 +141,21 @@ TEST_F(GroupTest, NotificationMayAskForTheSameDestructionAgain) {
     EXPECT_EQ(findGroup(name), nullptr);
 }
 
+TEST_F(GroupTest, NotificationMayDeleteVectorsOfTheDyingGroup) {
+    Group * group = makeGroup("", "grp", 0);
+    for (char const * name : {"deleted", "left", "stays"}) (new WatchedVector(name, group, &deaths))->enterGroup();
+    group->deleteNotify.push_front({[](void * arg, void *) {
+                                        auto * dying = static_cast<Group *>(arg);
+                                        dying->find("deleted")->release();
+                                        dying->find("left")->leaveGroup();
+                                    },
+                                    group});
+    destroyGroup(group);
+    EXPECT_EQ(deaths, 2);
+    LoosePool::sweep();
+    EXPECT_EQ(deaths, 3);
+}
+
 TEST_F(GroupTest, DyingGroupDeletesItsVectorsReadOnlyOrNot) {
     Group * group = makeGroup("", "grp", 0);
     for (char const * name : {"a", "b", "c"}) {
