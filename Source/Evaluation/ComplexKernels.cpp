@@ -55,7 +55,8 @@ struct Oddities {
     std::int64_t extremes = 0;
 };
 
-TORVELAN_MULTIVERSION Oddities inspect(double const * a, double const * b, std::size_t count, std::size_t aWidth) {
+TORVELAN_MULTIVERSION_UNFUSED Oddities inspect(double const * a, double const * b, std::size_t count,
+                                               std::size_t aWidth) {
     Oddities odd;
     for (std::size_t i = 0; i < count; ++i) odd.zeroDivisors += isZero(FromComplex::at(b, i)) ? 1 : 0;
     for (std::size_t i = 0; i < 2 * count; ++i) odd.extremes += isModerate(b[i]) ? 0 : 1;
@@ -63,13 +64,14 @@ TORVELAN_MULTIVERSION Oddities inspect(double const * a, double const * b, std::
     return odd;
 }
 
-TORVELAN_MULTIVERSION void divideModerate(double * out, double const * a, double const * b, std::size_t count) {
+TORVELAN_MULTIVERSION_UNFUSED void divideModerate(double * out, double const * a, double const * b, std::size_t count) {
     TORVELAN_INDEPENDENT
     for (std::size_t i = 0; i < count; ++i)
         store(out, i, moderateQuotient(FromComplex::at(a, i), FromComplex::at(b, i)));
 }
 
-TORVELAN_MULTIVERSION void divideModerateReal(double * out, double const * a, double const * b, std::size_t count) {
+TORVELAN_MULTIVERSION_UNFUSED void divideModerateReal(double * out, double const * a, double const * b,
+                                                      std::size_t count) {
     TORVELAN_INDEPENDENT
     for (std::size_t i = 0; i < count; ++i) store(out, i, moderateQuotient(FromReal::at(a, i), FromComplex::at(b, i)));
 }
@@ -103,7 +105,7 @@ int divide(double * out, double const * a, double const * b, std::size_t count, 
 
 // A loop with a complex result: `expression` of the elements x and y.
 #define TORVELAN_COMPLEX_LOOP(name, A, B, expression)                                                                  \
-    TORVELAN_MULTIVERSION int name(double * out, double const * a, double const * b, std::size_t count) {              \
+    TORVELAN_MULTIVERSION_UNFUSED int name(double * out, double const * a, double const * b, std::size_t count) {      \
         TORVELAN_INDEPENDENT                                                                                           \
         for (std::size_t i = 0; i < count; ++i) {                                                                      \
             complex const x = A::at(a, i), y = B::at(b, i);                                                            \
@@ -127,7 +129,7 @@ TORVELAN_COMPLEX_LOOP(realPairComplex, FromReal, FromComplex, (complex{x.re - y.
 
 // A loop with a real result.
 #define TORVELAN_COMPARISON_LOOP(name, A, B, expression)                                                               \
-    TORVELAN_MULTIVERSION int name(double * out, double const * a, double const * b, std::size_t count) {              \
+    TORVELAN_MULTIVERSION_UNFUSED int name(double * out, double const * a, double const * b, std::size_t count) {      \
         for (std::size_t i = 0; i < count; ++i) {                                                                      \
             complex const x = A::at(a, i), y = B::at(b, i);                                                            \
             out[i] = expression;                                                                                       \
@@ -153,7 +155,8 @@ int complexSubtractComplex(double * out, double const * a, double const * b, std
     return realSubtract(out, a, b, 2 * count);
 }
 
-TORVELAN_MULTIVERSION int complexDivideReal(double * out, double const * a, double const * b, std::size_t count) {
+TORVELAN_MULTIVERSION_UNFUSED int complexDivideReal(double * out, double const * a, double const * b,
+                                                    std::size_t count) {
     std::int64_t zeros = 0;
     TORVELAN_INDEPENDENT
     for (std::size_t i = 0; i < count; ++i) {

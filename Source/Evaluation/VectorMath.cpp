@@ -32,18 +32,20 @@ struct Routines {
 #define TORVELAN_UNARY_ROUTINES(X) X(sin) X(cos) X(tan) X(atan) X(exp) X(log) X(log10) X(sinh) X(cosh) X(tanh)
 #define TORVELAN_BINARY_ROUTINES(X) X(atan2) X(pow)
 
+#define TORVELAN_FOR(features) extern "C" __attribute__((target(features)))
 #define TORVELAN_DECLARE_UNARY(f)                                                                                      \
-    extern "C" __m512d Sleef_finz_##f##d8_u10avx512f(__m512d);                                                         \
-    extern "C" __m256d Sleef_finz_##f##d4_u10avx2(__m256d);                                                            \
-    extern "C" __m128d Sleef_cinz_##f##d2_u10sse2(__m128d);
+    TORVELAN_FOR("avx512f") __m512d Sleef_finz_##f##d8_u10avx512f(__m512d);                                            \
+    TORVELAN_FOR("avx2,fma") __m256d Sleef_finz_##f##d4_u10avx2(__m256d);                                              \
+    TORVELAN_FOR("sse2") __m128d Sleef_cinz_##f##d2_u10sse2(__m128d);
 #define TORVELAN_DECLARE_BINARY(f)                                                                                     \
-    extern "C" __m512d Sleef_finz_##f##d8_u10avx512f(__m512d, __m512d);                                                \
-    extern "C" __m256d Sleef_finz_##f##d4_u10avx2(__m256d, __m256d);                                                   \
-    extern "C" __m128d Sleef_cinz_##f##d2_u10sse2(__m128d, __m128d);
+    TORVELAN_FOR("avx512f") __m512d Sleef_finz_##f##d8_u10avx512f(__m512d, __m512d);                                   \
+    TORVELAN_FOR("avx2,fma") __m256d Sleef_finz_##f##d4_u10avx2(__m256d, __m256d);                                     \
+    TORVELAN_FOR("sse2") __m128d Sleef_cinz_##f##d2_u10sse2(__m128d, __m128d);
 TORVELAN_UNARY_ROUTINES(TORVELAN_DECLARE_UNARY)
 TORVELAN_BINARY_ROUTINES(TORVELAN_DECLARE_BINARY)
 #undef TORVELAN_DECLARE_UNARY
 #undef TORVELAN_DECLARE_BINARY
+#undef TORVELAN_FOR
 
 namespace vectormath {
 
@@ -154,10 +156,9 @@ Routines const & routines() noexcept {
     return chosen;
 }
 
-// The vector routines overflow a little before the function does.
-constexpr double hyperbolicLimit = 709.0;
-
-void hyperbolic(Unary loop, double (*exact)(double), double * out, double const * in, std::size_t count) {
+// Runs a loop, and puts the exact function in the place of the few elements where the loop is not good enough.
+template <bool (*isHard)(double), double (*exact)(double)>
+void corrected(Unary loop, double * out, double const * in, std::size_t count) {
     constexpr std::size_t piece = 64;
     double kept[piece];
     for (std::size_t i = 0; i < count; i += piece) {
@@ -165,8 +166,31 @@ void hyperbolic(Unary loop, double (*exact)(double), double * out, double const 
         std::copy(in + i, in + i + n, kept);
         loop(out + i, kept, n);
         for (std::size_t k = 0; k < n; ++k)
-            if (std::fabs(kept[k]) > hyperbolicLimit) out[i + k] = exact(kept[k]);
+            if (isHard(kept[k])) out[i + k] = exact(kept[k]);
     }
+}
+
+// The vector routines of hyperbolic functions overflow a little before the functions do, and the C library is a few
+// ulps off there.
+bool isNearOverflow(double x) {
+    return std::fabs(x) > 709.0;
+}
+
+double exactSinh(double x) {
+    return static_cast<double>(std::sinh(static_cast<long double>(x)));
+}
+
+double exactCosh(double x) {
+    return static_cast<double>(std::cosh(static_cast<long double>(x)));
+}
+
+// The vector routine of the tangent halves its argument, which takes a bit from a denormal.
+bool isNearDenormal(double x) {
+    return std::fabs(x) < 1e-300 && x != 0;
+}
+
+double itself(double x) {
+    return x;
 }
 
 } // namespace
@@ -185,7 +209,7 @@ void cos(double * out, double const * in, std::size_t count) {
 }
 
 void tan(double * out, double const * in, std::size_t count) {
-    routines().tan(out, in, count);
+    corrected<isNearDenormal, itself>(routines().tan, out, in, count);
 }
 
 void atan(double * out, double const * in, std::size_t count) {
@@ -205,11 +229,11 @@ void log10(double * out, double const * in, std::size_t count) {
 }
 
 void sinh(double * out, double const * in, std::size_t count) {
-    hyperbolic(routines().sinh, std::sinh, out, in, count);
+    corrected<isNearOverflow, exactSinh>(routines().sinh, out, in, count);
 }
 
 void cosh(double * out, double const * in, std::size_t count) {
-    hyperbolic(routines().cosh, std::cosh, out, in, count);
+    corrected<isNearOverflow, exactCosh>(routines().cosh, out, in, count);
 }
 
 void tanh(double * out, double const * in, std::size_t count) {
