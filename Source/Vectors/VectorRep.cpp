@@ -161,6 +161,7 @@ void VectorRep::reserve(std::int64_t n, VD_type newType) {
 
 void VectorRep::appendElements(VectorRep const & from) {
     std::uint64_t added = from.bytes();
+    if (added == 0) return;
     ownBlock();
     block->makeRoom(added);
     char * behind = block->realise() + bytes();

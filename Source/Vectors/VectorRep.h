@@ -89,8 +89,8 @@ struct VectorRep {
     // Sets the kind and the number of elements. New string slots are null; strings that do not stay are freed.
     void resize(std::int64_t n, VD_type newType) { resize(n, newType, Growth::exact); }
     void resizeInSteps(std::int64_t n) { resize(n, type, Growth::inSteps); } // for lengths that rise step by step
-    void reserve(std::int64_t n,
-                 VD_type newType); // sets the kind; the length stays, unless the kind makes that senseless
+    // Sets the kind; the length stays, unless numbers become strings or strings numbers.
+    void reserve(std::int64_t n, VD_type newType);
     void clearStrings(std::int64_t from) noexcept; // frees the strings from there on and leaves null; the block is own
     template <class T> void append(T const & value, double measure);
     void appendElements(VectorRep const & from); // of the same kind, or this is empty and takes the kind; may be this
@@ -128,7 +128,6 @@ private:
     enum class Growth { exact, inSteps };
 
     friend union UntouchedRecord;
-    constexpr VectorRep() noexcept = default;
     constexpr VectorRep(std::uint32_t count, bool isMultiple) noexcept : multiple(isMultiple), refCount(count) {}
     VectorRep(VectorRep const & other); // with a count of 1
 
