@@ -97,10 +97,13 @@ constexpr Routines avx2Routines = {TORVELAN_UNARY_ROUTINES(TORVELAN_NAME_256)
 constexpr Routines sse2Routines = {TORVELAN_UNARY_ROUTINES(TORVELAN_NAME_128)
                                        TORVELAN_BINARY_ROUTINES(TORVELAN_NAME_128)};
 
-Level detectLevel() noexcept {
-    if (__builtin_cpu_supports("avx512f") != 0) return Level::avx512;
-    if (__builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("fma") != 0) return Level::avx2;
-    return Level::sse2;
+bool supports(Level level) noexcept {
+    switch (level) {
+    case Level::avx512: return __builtin_cpu_supports("avx512f") != 0;
+    case Level::avx2: return __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("fma") != 0;
+    case Level::sse2: return true;
+    default: return false;
+    }
 }
 
 Routines const & routinesOf(Level level) noexcept {
@@ -133,8 +136,8 @@ constexpr Routines libraryRoutines = {loop<std::sin>,  loop<std::cos>,  loop<std
                                       loop<std::exp>,  loop<std::log>,  loop<std::log10>, loop<std::sinh>,
                                       loop<std::cosh>, loop<std::tanh>, loop<std::atan2>, loop<std::pow>};
 
-Level detectLevel() noexcept {
-    return Level::library;
+bool supports(Level level) noexcept {
+    return level == Level::library;
 }
 
 Routines const & routinesOf(Level) noexcept {
@@ -151,9 +154,19 @@ namespace vectormath {
 
 namespace {
 
-Routines const & routines() noexcept {
-    static Routines const & chosen = routinesOf(level());
+Level bestLevel() noexcept {
+    for (Level level : {Level::avx512, Level::avx2, Level::sse2})
+        if (supports(level)) return level;
+    return Level::library;
+}
+
+Routines const *& chosenRoutines() noexcept {
+    static Routines const * chosen = &routinesOf(bestLevel());
     return chosen;
+}
+
+Routines const & routines() noexcept {
+    return *chosenRoutines();
 }
 
 // Runs a loop, and puts the exact function in the place of the few elements where the loop is not good enough.
@@ -195,9 +208,14 @@ double itself(double x) {
 
 } // namespace
 
-Level level() noexcept {
-    static Level const found = detectLevel();
-    return found;
+bool useLevel(Level level) noexcept {
+    if (!supports(level)) return false;
+    chosenRoutines() = &routinesOf(level);
+    return true;
+}
+
+void useBestLevel() noexcept {
+    useLevel(bestLevel());
 }
 
 void sin(double * out, double const * in, std::size_t count) {

@@ -24,8 +24,10 @@ void tanh(double * out, double const * in, std::size_t count);
 void atan2(double * out, double const * y, double const * x, std::size_t count);
 void pow(double * out, double const * base, double const * exponent, std::size_t count);
 
-// Instruction sets that the routines are made for; one that this processor lacks is never chosen.
+// Instruction sets that the routines are made for. The best that this processor has is used, unless a test asks for
+// another one; false, and nothing changed, when the processor lacks it.
 enum class Level { library, sse2, avx2, avx512 };
-Level level() noexcept;
+bool useLevel(Level level) noexcept;
+void useBestLevel() noexcept;
 
 } // namespace vectormath
