@@ -1,5 +1,5 @@
 // Labels of divisions as text: the stored form keeps the value of a swept parameter to the last bit.
-#include "torvelan/Groups.h"
+#include "torvelan/Vectors.h"
 
 #include "support/Numbers.h"
 #include "torvelan/PhysType.h"

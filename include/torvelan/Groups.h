@@ -108,9 +108,3 @@ TORVELAN_API VEC_ERROR vec_DestroyVector(YString const & name, MessageHandler & 
 // A new reference alias, in the local group, of the vector that `target` names; VEC_NOT_DONE when that cannot be.
 TORVELAN_API VEC_ERROR vec_MakeReferenceAlias(YString const & name, YString const & target, MessageHandler & messages);
 TORVELAN_API void vec_CollectGarbage(); // ends the temporaries
-
-// --- labels of divisions
-// The stored form: text, value and PhysType joined by ';'. A ';' in the text becomes '_'.
-TORVELAN_API YString vec_ComposeDivisionString(YString const & label, double value, PhysType physType);
-// The form for people, "name=value/name=value", of a stored form.
-TORVELAN_API YString vec_ComposeDivisionLabel(YString const & stored);

@@ -223,3 +223,9 @@ public:
 
     NamedVector ref;
 };
+
+// --- labels of divisions
+// The stored form: text, value and PhysType joined by ';'. A ';' in the text becomes '_'.
+TORVELAN_API YString vec_ComposeDivisionString(YString const & label, double value, PhysType physType);
+// The form for people, "name=value/name=value", of a stored form.
+TORVELAN_API YString vec_ComposeDivisionLabel(YString const & stored);

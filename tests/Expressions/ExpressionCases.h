@@ -20,6 +20,7 @@
 // A case with no '!' line must give no message. Blank lines and lines with '#' in front are skipped.
 #pragma once
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,8 @@ struct ExpressionCase {
     int line = 0;
     std::string name;
     std::vector<std::string> steps; // all its lines, in order
+
+    friend std::ostream & operator<<(std::ostream & out, ExpressionCase const & c) { return out << c.name; }
 };
 
 std::vector<ExpressionCase> loadExpressionCases(std::string const & folder);

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <ostream>
 
 namespace {
 
@@ -18,6 +19,8 @@ struct ElementwiseCase {
     bool complexStays;             // a complex operand gives a complex result
     std::optional<double> refused; // an element that it refuses
     UnaryLoop loop;
+
+    friend std::ostream & operator<<(std::ostream & out, ElementwiseCase const & c) { return out << c.expr; }
 };
 
 class Shapes : public testing::TestWithParam<ElementwiseCase> {

@@ -1,4 +1,4 @@
-#include "torvelan/Groups.h"
+#include "torvelan/Vectors.h"
 
 #include <bit>
 #include <cmath>
