@@ -1,6 +1,5 @@
 # The building blocks of the tree: a layer, a test program, a benchmark and a fuzz target are one line each.
 
-find_package(fmt REQUIRED)
 find_package(FastFloat REQUIRED)
 find_library(SLEEF_LIBRARY sleef REQUIRED)
 find_package(BISON 3.8 REQUIRED)
