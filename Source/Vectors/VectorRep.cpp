@@ -106,7 +106,7 @@ VectorRep::VectorRep(VectorRep const & other)
       labelGroup(other.labelGroup) {}
 
 VectorRep::~VectorRep() {
-    dropContents();
+    if (type == VD_STRING) dropContents();
 }
 
 std::int64_t VectorRep::divisionStart(std::int64_t division) const noexcept {
@@ -136,19 +136,29 @@ void VectorRep::prepare(std::uint64_t room, std::uint64_t keep, Growth growth) {
 
 void VectorRep::resize(std::int64_t n, VD_type newType, Growth growth) {
     std::uint64_t newBytes = byteCount(n, newType);
-    DivisionTable remaining = divisionIndex;
-    if (!keepsContents(newType))
-        remaining.clear();
-    else if (newBytes < bytes())
-        remaining.cut(remaining.live(newBytes));
+    if (divisionIndex.exists() && newBytes < bytes() && keepsContents(newType)) return cut(n, newType);
     prepare(newBytes, keepsContents(newType) ? newBytes : 0, growth);
     if (!keepsContents(newType)) dropContents();
+    setElements(n, newType);
+}
+
+// The divisions behind the cut go with the data; an entry that stayed would come back to life when data grow again.
+void VectorRep::cut(std::int64_t n, VD_type newType) {
+    std::uint64_t newBytes = byteCount(n, newType);
+    DivisionTable remaining = divisionIndex;
+    remaining.cut(remaining.live(newBytes));
+    prepare(newBytes, newBytes, Growth::exact);
+    setElements(n, newType);
+    divisionIndex = std::move(remaining);
+}
+
+// Within the room that the block has.
+void VectorRep::setElements(std::int64_t n, VD_type newType) noexcept {
     type = newType;
     std::int64_t before = elements();
     if (type == VD_STRING) clearStrings(n);
-    block->resize(newBytes);
+    block->resize(byteCount(n, type));
     if (type == VD_STRING && n > before) std::fill_n(element<char *>(before), n - before, nullptr);
-    divisionIndex = std::move(remaining);
     invalidateRanges();
 }
 

@@ -135,6 +135,8 @@ private:
     // A block of its own with room for so many bytes. When it must be copied for that, only the first `keep` bytes are.
     void prepare(std::uint64_t room, std::uint64_t keep, Growth growth);
     void resize(std::int64_t n, VD_type newType, Growth growth);
+    void cut(std::int64_t n, VD_type newType);
+    void setElements(std::int64_t n, VD_type newType) noexcept;
     void dropContents() noexcept;
     void noteAppended(std::uint64_t newBytes, double measure);
 };
