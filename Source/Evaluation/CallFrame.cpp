@@ -84,7 +84,7 @@ private:
 struct DivisionGuard {
     FuncArgs & args;
     explicit DivisionGuard(FuncArgs & frame) noexcept : args(frame) {}
-    ~DivisionGuard() { args.setDivision(0); }
+    ~DivisionGuard() { args.rewind(); }
     DivisionGuard(DivisionGuard const &) = delete;
     DivisionGuard & operator=(DivisionGuard const &) = delete;
 };

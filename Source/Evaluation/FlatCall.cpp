@@ -8,9 +8,12 @@ bool hasOneElement(NamedVector const & vector) {
     return vector.numDivisions() == 1 && vector.length() == 1;
 }
 
-// A reference that its vector's divisions fit, or none.
+// A reference that goes with its vector division by division, or none. Whether all lengths agree matters only where
+// it has to change.
 bool referenceFits(NamedVector const & y, NamedVector const * ref) {
-    return ref == nullptr || ref->totalLength() == 0 || (ref->isWhole() && ref->sameDivisions(y));
+    if (ref == nullptr || ref->totalLength() == 0) return true;
+    bool const alike = ref->totalLength() == y.totalLength() && ref->numDivisions() == y.numDivisions();
+    return alike && ref->isWhole() && !ref->noData();
 }
 
 class FlatCall {
@@ -72,8 +75,18 @@ private:
         if (y.numDivisions() != 1 || y.totalLength() != total) return false;
         bool const refIsWhole = ref.totalLength() == 0 || ref.numDivisions() == divisionCount;
         if (!refIsWhole && (ref.numDivisions() != 1 || ref.totalLength() != total)) return false;
+        if (!refIsWhole && !referencesAreExact()) return false;
         if (!refIsWhole) ref.adoptDivisions(*table);
         y.adoptDivisions(*table);
+        return true;
+    }
+
+    // Every reference has the very divisions of the arguments.
+    bool referencesAreExact() const {
+        for (int i = 0; i < args.getNumArgs(); ++i) {
+            NamedVector const * ref = args.getXVec(i);
+            if (ref != nullptr && ref->totalLength() > 0 && !ref->sameDivisions(*table)) return false;
+        }
         return true;
     }
 

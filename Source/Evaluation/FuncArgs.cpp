@@ -21,8 +21,19 @@ complex const * complexElements(NamedVector const & vector, bool flat) {
     return flat && vector.isWhole() ? vector.allComplexData() : vector.complexData();
 }
 
-template <class T> T const * advance(T const * elements, std::int64_t length, std::int64_t offset) noexcept {
-    return elements != nullptr && offset <= length ? elements + offset : elements;
+template <class T>
+T const * advance(T const * elements, BaseVector const & vector, std::int64_t d, std::int64_t offset) noexcept {
+    bool const moves = offset != 0 && elements != nullptr && offset <= vector.length(d);
+    return moves ? elements + offset : elements;
+}
+
+template <class T> T const * advance(T const * elements, BaseVector const & vector, std::int64_t offset) noexcept {
+    return offset == 0 ? elements : advance(elements, vector, vector.currentDivisionIndex(), offset);
+}
+
+// A view of fewer divisions would otherwise leave what it shows.
+void moveTo(std::int64_t division, BaseVector & vector) noexcept {
+    if (division == 0 || division < vector.numDivisions()) vector.setDivision(division);
 }
 
 // The vector as the kind of argument asks for it: itself, or a new temporary. Null on failure.
@@ -171,13 +182,13 @@ std::int64_t FuncArgs::numYDivisions(int i) const noexcept {
 double const * FuncArgs::data(int i) const {
     NamedVector const * y = realised(i);
     if (y == nullptr) return nullptr;
-    return advance(realElements(*y, flat), storedLength(i), arguments[i].offset);
+    return advance(realElements(*y, flat), *y, arguments[i].offset);
 }
 
 complex const * FuncArgs::complexData(int i) const {
     NamedVector const * y = realised(i);
     if (y == nullptr) return nullptr;
-    return advance(complexElements(*y, flat), storedLength(i), arguments[i].offset);
+    return advance(complexElements(*y, flat), *y, arguments[i].offset);
 }
 
 char const * const * FuncArgs::stringData(int i) const {
@@ -187,12 +198,12 @@ char const * const * FuncArgs::stringData(int i) const {
 
 double const * FuncArgs::data(int i, std::int64_t d) const {
     NamedVector const * y = realised(i);
-    return y != nullptr ? advance(y->realData(d), y->length(d), arguments[i].offset) : nullptr;
+    return y != nullptr ? advance(y->realData(d), *y, d, arguments[i].offset) : nullptr;
 }
 
 complex const * FuncArgs::complexData(int i, std::int64_t d) const {
     NamedVector const * y = realised(i);
-    return y != nullptr ? advance(y->complexData(d), y->length(d), arguments[i].offset) : nullptr;
+    return y != nullptr ? advance(y->complexData(d), *y, d, arguments[i].offset) : nullptr;
 }
 
 char const * const * FuncArgs::stringData(int i, std::int64_t d) const {
@@ -202,12 +213,12 @@ char const * const * FuncArgs::stringData(int i, std::int64_t d) const {
 
 double const * FuncArgs::refData(int i) const {
     NamedVector const * ref = refOf(i);
-    return ref != nullptr ? advance(realElements(*ref, flat), ref->length(), arguments[i].offset) : nullptr;
+    return ref != nullptr ? advance(realElements(*ref, flat), *ref, arguments[i].offset) : nullptr;
 }
 
 complex const * FuncArgs::complexRefData(int i) const {
     NamedVector const * ref = refOf(i);
-    return ref != nullptr ? advance(complexElements(*ref, flat), ref->length(), arguments[i].offset) : nullptr;
+    return ref != nullptr ? advance(complexElements(*ref, flat), *ref, arguments[i].offset) : nullptr;
 }
 
 YString FuncArgs::refName(int i) const {
@@ -299,8 +310,8 @@ void FuncArgs::replace(int i, dvec * vector) const {
 void FuncArgs::setDivision(std::int64_t d) noexcept {
     division = d;
     for (int i = 0; i < used; ++i) {
-        if (arguments[i].ref != nullptr) arguments[i].ref->setDivision(d);
-        if (arguments[i].y != nullptr) arguments[i].y->setDivision(d);
+        if (arguments[i].ref != nullptr) moveTo(d, *arguments[i].ref);
+        if (arguments[i].y != nullptr) moveTo(d, *arguments[i].y);
     }
 }
 

@@ -132,16 +132,19 @@ std::int64_t FuncResult::capacity(std::int64_t n, ResultAllocType how, std::int6
 void FuncResult::allocate(NamedVector & vector, VD_type kind, std::int64_t n, ResultAllocType how, std::int64_t hint) {
     n = sum(std::max<std::int64_t>(n, 0), incrementalOffset);
     if (how == ALLOC_HINT && hint == -1) return vector.setSize(n, kind);
-    bool const joins = vector.totalLength() > 0;
-    if (joins) bringToKind(vector, kind);
-    if (joins && vector.totalLength() > 0) {
+    if (vector.totalLength() > 0) bringToKind(vector, kind);
+    if (vector.totalLength() > 0)
         extend(vector, n);
-    } else {
-        vector.allocate(capacity(n, how, hint), kind);
-        vector.setLength(n);
-        allocatedLength = n;
-    }
-    vector.setDivision(division);
+    else
+        startWith(vector, kind, n, capacity(n, how, hint));
+    if (division != 0) vector.setDivision(division);
+}
+
+void FuncResult::startWith(NamedVector & vector, VD_type kind, std::int64_t n, std::int64_t room) {
+    allocatedLength = n;
+    if (room == n) return vector.setSize(n, kind);
+    vector.allocate(room, kind);
+    vector.setLength(n);
 }
 
 void FuncResult::allocate(std::int64_t n, ResultAllocType how, std::int64_t hint) {
@@ -200,8 +203,8 @@ char ** FuncResult::makeString(std::int64_t n) {
 }
 
 template <class T> T * FuncResult::advanced(T * elements, NamedVector const & vector) const noexcept {
-    bool const inside = elements != nullptr && incrementalOffset <= vector.length();
-    return inside ? elements + incrementalOffset : nullptr;
+    if (incrementalOffset == 0 || elements == nullptr) return elements;
+    return incrementalOffset <= vector.length() ? elements + incrementalOffset : nullptr;
 }
 
 double * FuncResult::data() {
@@ -318,7 +321,8 @@ bool FuncResult::copyRefFromArgs(FuncArgs const & args, ResultAllocType how, std
     NamedVector * const source = argument->ref;
     if (source == nullptr || ref == nullptr) return true;
     // An evaluation inside the handler may have moved the vectors of a group.
-    source->setDivision(args.isFlat() ? 0 : args.division);
+    std::int64_t const d = args.isFlat() ? 0 : args.division;
+    if (d < source->numDivisions()) source->setDivision(d);
     std::int64_t const n = args.isFlat() ? source->totalLength() : source->length();
     if (argument->offset == n) return true;
     bool const changesKind = isNumeric(refType) && isNumeric(source->type()) && refType != source->type();
@@ -345,9 +349,10 @@ void FuncResult::convertRef(FuncArgs const & args, ResultAllocType how, std::int
 
 bool FuncResult::takeStorage(FuncArgs const & args, int argIndex, std::int64_t n) {
     FuncArgs::Argument const * argument = args.at(argIndex);
-    if (argument == nullptr || y == nullptr || !isNumeric(yType) || n <= 0) return false;
+    if (argument == nullptr || !args.owns(argIndex)) return false;
+    if (y == nullptr || !isNumeric(yType) || n <= 0 || argument->repeated) return false;
     if (numDivisions != 1 || args.isFlat() || incrementalOffset != 0 || argument->offset != 0) return false;
-    if (argument->repeated || !args.owns(argIndex) || args.standsElsewhere(argIndex)) return false;
+    if (args.standsElsewhere(argIndex)) return false;
     dvec & donor = *argument->vector;
     if (donor.isReadOnly() || donor.numDivisions() != 1 || donor.length() < n || y->totalLength() != 0) return false;
     // Elements that grow would be written over others that are still to be read.

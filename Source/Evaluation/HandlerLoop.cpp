@@ -44,17 +44,18 @@ HandlerLoop::HandlerLoop(FuncInfo & function, FuncArgs & frame, dvec & resultVec
 }
 
 FUNC_ERROR HandlerLoop::run() {
+    if (divisions.count == 1) return runDivision(0);
     FUNC_ERROR const code = runEach();
-    args.setDivision(0);
+    args.rewind();
     if (code != FUNC_OK) return code;
-    if (divisions.count > 1) assemble();
+    assemble();
     result.getYVec()->setDivision(0);
     result.getXVec()->setDivision(0);
     return FUNC_OK;
 }
 
 bool HandlerLoop::mayRunFlat() const noexcept {
-    return info.flatDivisions && divisions.count > 1 && !divisions.collapse && !isIncremental();
+    return info.flatDivisions && !divisions.collapse && !isIncremental();
 }
 
 FUNC_ERROR HandlerLoop::runEach() {
@@ -73,14 +74,12 @@ FUNC_ERROR HandlerLoop::runDivision(std::int64_t d) {
     std::int64_t count = 0;
     if (!matchArguments(&count)) return FUNC_FAILED;
     setOffset(d, count);
+    if (divisions.count == 1) return call.run();
     result.beginCall();
-    FUNC_ERROR code = call.run();
-    if (divisions.count > 1 && code == FUNC_FAILED) {
-        result.emptyVectors();
-        code = FUNC_OK;
-    }
-    if (divisions.count > 1) noteOutcome(d);
-    return code;
+    FUNC_ERROR const code = call.run();
+    if (code == FUNC_FAILED) result.emptyVectors();
+    noteOutcome(d);
+    return code == FUNC_FAILED ? FUNC_OK : code;
 }
 
 void HandlerLoop::noteOutcome(std::int64_t d) {

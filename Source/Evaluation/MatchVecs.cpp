@@ -4,11 +4,11 @@
 
 bool FuncArgs::matchVecs(MessageHandler & messages, std::int64_t * count) {
     *count = rawLength(0);
-    return used == 2 && yOf(0) != nullptr && yOf(1) != nullptr && ArgumentMatcher(*this, messages).match();
+    bool const areTwo = used == 2 && yOf(0) != nullptr && yOf(1) != nullptr;
+    return areTwo && ArgumentMatcher(*this, messages).match(*count);
 }
 
-bool ArgumentMatcher::match() {
-    std::int64_t const n0 = args.rawLength(0);
+bool ArgumentMatcher::match(std::int64_t n0) {
     std::int64_t const n1 = args.rawLength(1);
     if (n0 == 1 && n1 >= 2) return repeat(0);
     if (n1 == 1 && n0 >= 2) return repeat(1);

@@ -7,8 +7,8 @@
 struct ArgumentMatcher {
     ArgumentMatcher(FuncArgs & frame, MessageHandler & handler) : args(frame), messages(handler) {}
 
-    // For the current division. False after an error, which has been reported.
-    bool match();
+    // For the current division, in which argument 0 is n0 long. False after an error, which has been reported.
+    bool match(std::int64_t n0);
     // For all divisions at once, where at least one argument has several. False unless `match` would accept every
     // division without a word.
     bool matchFlat();

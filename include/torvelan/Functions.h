@@ -178,7 +178,11 @@ public:
     // Resolves and converts; the vector now stored, or null. The frame owns it if it is a temporary.
     dvec * add(dvec * vector, argType type, YRef<MessageHandler> const & messages, ScpParseContext const & context);
     bool add(NamedVector * y, NamedVector * ref); // not owned; false when the frame is full
-    void setDivision(std::int64_t division) noexcept;
+    // Vectors that do not show so many divisions stay where they are.
+    void setDivision(std::int64_t d) noexcept;
+    void rewind() noexcept { // to the first division, where all vectors are between calls
+        if (division != 0) setDivision(0);
+    }
     bool setIncrementalOffset(std::int64_t offset, BaseVector const * reference) noexcept;
     bool hasIncrementalOffset() const noexcept; // of any argument
     // Makes two arguments comparable for the current division. False after an error, which has been reported; *count
@@ -285,6 +289,7 @@ public:
 
 private:
     void allocate(NamedVector & vector, VD_type kind, std::int64_t n, ResultAllocType how, std::int64_t hint);
+    void startWith(NamedVector & vector, VD_type kind, std::int64_t n, std::int64_t room);
     std::int64_t capacity(std::int64_t n, ResultAllocType how, std::int64_t hint) const noexcept;
     template <class T> T * advanced(T * elements, NamedVector const & vector) const noexcept;
     void takeOver(NamedVector & to, NamedVector const & from) const;

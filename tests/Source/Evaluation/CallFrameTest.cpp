@@ -420,6 +420,21 @@ TEST_F(CallFrame, AScalarMeetsThreeDivisions) {
     EXPECT_TRUE(out->ref.sharesRep(b->ref));
 }
 
+TEST_F(CallFrame, AViewOfOneDivisionMeetsEveryDivision) {
+    dvec * v = makeMember("v", {{1, 2}, {3, 4}, {5, 6}}, {{0, 1}, {0, 1}, {0, 1}});
+    for (std::int64_t shown : {0, 1, 2}) {
+        dvec * view = new dvec(*v);
+        view->selectDivision(shown);
+        view->ref.selectDivision(shown);
+        Divisions expected;
+        for (Values const & step : divisionsOf(*v))
+            expected.push_back({step[0] + v->getReal(0, shown), step[1] + v->getReal(1, shown)});
+        dvec * out = call(sum, {v, view});
+        ASSERT_NE(out, nullptr);
+        EXPECT_EQ(divisionsOf(*out), expected) << shown;
+    }
+}
+
 TEST_F(CallFrame, VectorsOfOneElementWithDifferentReferencesLoseThem) {
     dvec * out = call(sum, {makeVector("a", {{1}}, {{0}}), makeVector("b", {{2}}, {{1}})});
     EXPECT_EQ(divisionsOf(*out), (Divisions{{3}}));
@@ -574,6 +589,15 @@ TEST_F(FlatCalls, PartOfTheDivisions) {
 
 TEST_F(FlatCalls, DivisionsThatStartElsewhere) {
     expectSame(makeMember("v", {{1, 2}, {3}}), makeMember("w", {{4}, {5, 6}}), false);
+}
+
+TEST_F(FlatCalls, AReferenceThatChangesKindHasTheDivisionsOfY) {
+    FuncInfo info = makeInfo("widen", widen, 1, 1);
+    for (bool runFlat : {false, true}) {
+        info.flatDivisions = runFlat;
+        dvec * out = call(info, {makeVector("v", {{1, 2, 3}, {4, 5}}, {{0, 1}, {0, 1, 2}})});
+        EXPECT_EQ(divisionsOf(out->ref), (Divisions{{0, 1}, {0, 1, 2}})) << runFlat;
+    }
 }
 
 TEST_F(FlatCalls, AReferenceOfOtherDivisions) {
