@@ -1,0 +1,75 @@
+#!/usr/bin/env python3
+"""The last run against its peers and limits, as a table.     bench/table.py RESULTS_FOLDER
+
+Reads the JSON of the benchmark programs and, where it is there, numpy.txt. A ratio is this project's time over the time
+of the other: below 1 this project is faster.
+"""
+import json
+import sys
+from pathlib import Path
+
+# This project's benchmark, and what it is held against; {n} is each size measured.
+PAIRS = [
+    ("Evaluate/add_scalar/{n}", ["Limit/copy/{n}", "NumPy/add_scalar/{n}"]),
+    ("Evaluate/mul/{n}", ["Limit/copy_bytes_mul/{n}", "Limit/mul/{n}", "NumPy/mul/{n}"]),
+    ("Evaluate/mul_add/{n}", ["Limit/mul_add/{n}", "NumPy/mul_add/{n}"]),
+    ("Evaluate/sum_difference/{n}", ["Limit/sum_difference/{n}", "NumPy/sum_difference/{n}"]),
+    ("Evaluate/sum/{n}", ["NumPy/sum/{n}"]),
+    ("Evaluate/sin/{n}", ["NumPy/sin/{n}"]),
+    ("Evaluate/exp/{n}", ["NumPy/exp/{n}"]),
+    ("Evaluate/ln/{n}", ["NumPy/ln/{n}"]),
+    ("Evaluate/db/{n}", ["NumPy/db/{n}"]),
+    ("Evaluate/complex_mul/{n}", ["NumPy/complex_mul/{n}"]),
+    ("Evaluate/mag/{n}", ["NumPy/mag/{n}"]),
+    ("Divisions/v*2/{n}", ["Limit/flat_v*2/{n}"]),
+    ("Divisions/v+w/{n}", ["Limit/flat_v+w/{n}"]),
+    ("Spice3/read/{n}", ["Limit/fast_float/{n}"]),
+    ("Small/2+3*4", []),
+    ("Small/sin(x)+1", []),
+    ("Small/sum(v*2)", []),
+]
+UNITS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
+
+
+def load(folder):
+    """Nanoseconds of CPU for a call, by name; the best of the repetitions."""
+    times = {}
+    for path in folder.glob("*.json"):
+        for run in json.loads(path.read_text())["benchmarks"]:
+            if run.get("run_type") == "aggregate":
+                continue
+            nanoseconds = run["cpu_time"] * UNITS[run["time_unit"]]
+            times[run["name"]] = min(nanoseconds, times.get(run["name"], nanoseconds))
+    numpy = folder / "numpy.txt"
+    for line in numpy.read_text().splitlines() if numpy.exists() else []:
+        name, nanoseconds = line.split()
+        times[name] = float(nanoseconds)
+    # A product moves half as much again as a copy of one operand.
+    for name in [name for name in times if name.startswith("Limit/copy/")]:
+        times[name.replace("copy", "copy_bytes_mul")] = times[name] * 1.5
+    return times
+
+
+def shown(nanoseconds):
+    for unit, factor in (("ms", 1e6), ("us", 1e3)):
+        if nanoseconds >= factor:
+            return f"{nanoseconds / factor:.3g} {unit}"
+    return f"{nanoseconds:.3g} ns"
+
+
+def main():
+    times = load(Path(sys.argv[1]))
+    sizes = sorted({name.rsplit("/", 1)[1] for name in times if name.rsplit("/", 1)[1].isdigit()}, key=int)
+    print("| this project | time | against | time | ratio |\n|---|---|---|---|---|")
+    for pattern, others in PAIRS:
+        for size in sizes if "{n}" in pattern else [""]:
+            own = times.get(pattern.format(n=size))
+            if own is None:
+                continue
+            against = [other.format(n=size) for other in others if other.format(n=size) in times]
+            for other in against or [None]:
+                rest = f"{other} | {shown(times[other])} | {own / times[other]:.2f}" if other else " | | "
+                print(f"| {pattern.format(n=size)} | {shown(own)} | {rest} |")
+
+
+main()
