@@ -304,7 +304,7 @@ void FuncArgs::replace(int i, dvec * vector) const {
     // The vector leaves the frame, which will not set it back to its first division later.
     old.y->setDivision(0);
     if (oldRef != nullptr) oldRef->setDivision(0);
-    if (released) old.vector->release();
+    if (released && !flat) old.vector->release(); // a flat call may be taken back
 }
 
 void FuncArgs::setDivision(std::int64_t d) noexcept {

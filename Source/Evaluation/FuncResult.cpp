@@ -110,10 +110,9 @@ void FuncResult::emptyVectors() {
 
 void FuncResult::cutBack(NamedVector * vector, Mark const & mark) {
     if (vector == nullptr) return;
-    Mark const now = markOf(vector);
     if (mark.total == 0)
         vector->reset();
-    else if (now.total > mark.total || now.divisions > mark.divisions) // a reference carried along whole has not grown
+    else if (vector->isWhole()) // a view is a reference carried along, which no handler writes to
         vector->truncate(mark.total, mark.divisions);
 }
 

@@ -46,7 +46,6 @@ HandlerLoop::HandlerLoop(FuncInfo & function, FuncArgs & frame, dvec & resultVec
 FUNC_ERROR HandlerLoop::run() {
     if (divisions.count == 1) return runDivision(0);
     FUNC_ERROR const code = runEach();
-    args.rewind();
     if (code != FUNC_OK) return code;
     assemble();
     result.getYVec()->setDivision(0);

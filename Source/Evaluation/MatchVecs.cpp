@@ -2,6 +2,8 @@
 
 #include "Evaluation/Interpolation.h"
 
+#include <utility>
+
 bool FuncArgs::matchVecs(MessageHandler & messages, std::int64_t * count) {
     *count = rawLength(0);
     bool const areTwo = used == 2 && yOf(0) != nullptr && yOf(1) != nullptr;
@@ -129,8 +131,16 @@ bool ArgumentMatcher::matchFlat() {
 }
 
 void ArgumentMatcher::undoFlat() {
-    for (int i = 0; i < 2; ++i)
-        if (args.arguments[i].y == before[i].y) args.arguments[i] = before[i];
+    for (int i = 0; i < 2; ++i) std::swap(args.arguments[i], before[i]);
+}
+
+// A flat frame keeps a scalar that it has written out. One of the two has to go.
+ArgumentMatcher::~ArgumentMatcher() {
+    for (int i = 0; i < 2; ++i) {
+        dvec * const left = before[i].vector;
+        bool const wasReplaced = left != nullptr && left != args.arguments[i].vector;
+        if (wasReplaced && left->isTemporary()) left->release();
+    }
 }
 
 bool ArgumentMatcher::flatReferencesAgree() const {

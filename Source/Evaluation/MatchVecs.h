@@ -6,13 +6,16 @@
 // Works on a frame of two arguments.
 struct ArgumentMatcher {
     ArgumentMatcher(FuncArgs & frame, MessageHandler & handler) : args(frame), messages(handler) {}
+    ~ArgumentMatcher();
+    ArgumentMatcher(ArgumentMatcher const &) = delete;
+    ArgumentMatcher & operator=(ArgumentMatcher const &) = delete;
 
     // For the current division, in which argument 0 is n0 long. False after an error, which has been reported.
     bool match(std::int64_t n0);
     // For all divisions at once, where at least one argument has several. False unless `match` would accept every
     // division without a word.
     bool matchFlat();
-    void undoFlat(); // takes back what matchFlat did
+    void undoFlat(); // takes back what matchFlat and the handler did to the arguments
 
 private:
     bool repeat(int i);
@@ -29,5 +32,5 @@ private:
 
     FuncArgs & args;
     MessageHandler & messages;
-    FuncArgs::Argument before[2]; // the arguments as matchFlat found them
+    FuncArgs::Argument before[2]; // the arguments as matchFlat found them; empty until then
 };

@@ -70,7 +70,30 @@ FUNC_ERROR countCalls(FuncArgs const & args, FuncResult * result, FuncInfo * inf
 FUNC_ERROR countSums(FuncArgs const & args, FuncResult * result, FuncInfo * info, YRef<MessageHandler> messages,
                      MessageHandler & handlerMessages, ScpParseContext const & context) {
     ++info->state.words[0];
-    return sumHandler(args, result, info, messages, handlerMessages, context);
+    sumHandler(args, result, info, messages, handlerMessages, context);
+    double const * out = result->data();
+    if (out == nullptr || std::find(out, out + result->length(), -1.0) == out + result->length()) return FUNC_OK;
+    result->emptyVectors();
+    return FUNC_FAILED;
+}
+
+// Asks for room for all divisions.
+FUNC_ERROR roomy(FuncArgs const & args, FuncResult * result, FuncInfo *, YRef<MessageHandler>, MessageHandler &,
+                 ScpParseContext const &) {
+    result->makeReal(args.length(0), ALLOC_DIVISIONS, 0);
+    return FUNC_OK;
+}
+
+// Carries the reference along, and announces a division for an element of -1 but does not fill it.
+FUNC_ERROR announce(FuncArgs const & args, FuncResult * result, FuncInfo *, YRef<MessageHandler>, MessageHandler &,
+                    ScpParseContext const &) {
+    result->setType(VD_REAL, VD_REAL);
+    result->copyRefFromArgs(args, ALLOC_HINT, 0, 0);
+    if (args.data(0)[0] == -1)
+        result->getYVec()->addDivision(YString());
+    else
+        result->makeReal(1, ALLOC_HINT, 0)[0] = args.data(0)[0];
+    return FUNC_OK;
 }
 
 // Adds a repeated scalar without writing it out, in the memory of the first argument where that is free.
@@ -324,6 +347,13 @@ TEST_F(CallFrame, AHandlerThatFailsAfterWritingIsCutBack) {
     }
 }
 
+TEST_F(CallFrame, ADivisionThatIsOnlyAnnouncedIsDropped) {
+    FuncInfo info = makeInfo("announce", announce, 1, 1);
+    dvec * out = call(info, {makeMember("v", {{1}, {-1}, {3}}, {{0}, {1}, {2}})});
+    EXPECT_EQ(divisionsOf(*out), (Divisions{{1}, {3}}));
+    EXPECT_EQ(divisionsOf(out->ref), (Divisions{{0}, {2}}));
+}
+
 TEST_F(CallFrame, WithOneDivisionTheFailureIsHeard) {
     std::size_t const before = LoosePool::count();
     EXPECT_EQ(call(twice, {makeVector("v", {{1, -1}})}), nullptr);
@@ -483,6 +513,7 @@ protected:
     // The call made flat and division by division gives the same.
     void expectSame(dvec * a, dvec * b, bool runsFlat) {
         flat.state.words[0] = 0;
+        std::size_t const before = LoosePool::count();
         dvec * expected = call(each, {new dvec(*a), new dvec(*b)});
         Texts const words = messages->texts;
         messages->clear();
@@ -491,6 +522,7 @@ protected:
         ASSERT_EQ(out == nullptr, expected == nullptr);
         if (out == nullptr) return;
         EXPECT_EQ(flat.state.words[0] == 1, runsFlat);
+        EXPECT_EQ(LoosePool::count(), before + 2) << "the two results";
         EXPECT_EQ(divisionsOf(*out), divisionsOf(*expected));
         EXPECT_EQ(divisionsOf(out->ref), divisionsOf(expected->ref));
         EXPECT_EQ(labelsOf(*out), labelsOf(*expected));
@@ -602,6 +634,37 @@ TEST_F(FlatCalls, AReferenceThatChangesKindHasTheDivisionsOfY) {
 
 TEST_F(FlatCalls, AReferenceOfOtherDivisions) {
     expectSame(makeMember("v", {{1, 2}, {3, 4}}, {{0, 1}}), makeVector("s", {{10}}), false);
+}
+
+TEST_F(FlatCalls, AnEmptyDivisionAmongOthers) {
+    expectSame(makeMember("v", {{1, 2}, {}, {3}}), makeVector("s", {{10}}), false);
+    dvec * v = makeMember("u", {{1, 2}, {}, {3}});
+    v->setLabels(namesOf({"a", "b", "c"}), false);
+    dvec * out = call(flatTwice, {v});
+    EXPECT_EQ(divisionsOf(*out), (Divisions{{2, 4}, {6}}));
+    EXPECT_EQ(labelsOf(*out), (Texts{"a", "c"}));
+}
+
+TEST_F(FlatCalls, AFailureLeavesNoTraceOfTheAttempt) {
+    dvec * s = makeVector("s", {{10}});
+    dvec * v = makeMember("v", {{1}, {-11, 2}}, {{0}, {0, 1}});
+    expectSame(s, v, false);
+    dvec * a = makeMember("a", {{1, 2}, {-1, 4}, {5, 6}});
+    dvec * b = makeMember("b", {{1, 2}, {0, 4}, {5, 6}});
+    expectSame(a, b, false);
+    for (dvec * vector : {a, b}) vector->setMultiple();
+    expectSame(a, b, false);
+}
+
+TEST_F(FlatCalls, RoomIsForAllDivisionsOnce) {
+    FuncInfo info = makeInfo("roomy", roomy, 1, 1);
+    info.flatDivisions = true;
+    constexpr std::size_t many = 2000, points = 10;
+    dvec * v = makeMember("v", Divisions(many, Values(points, 1.0)));
+    std::size_t const before = BlockMemory::bytesInUse();
+    BlockMemory::resetPeak();
+    EXPECT_EQ(call(info, {v})->numDivisions(), static_cast<std::int64_t>(many));
+    EXPECT_LT(BlockMemory::peakBytes() - before, 4 * many * points * sizeof(double));
 }
 
 TEST_F(FlatCalls, RandomShapes) {

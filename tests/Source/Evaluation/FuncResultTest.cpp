@@ -321,6 +321,15 @@ TEST_F(Result, AReferenceChangesKindFromRealToComplexDivisionByDivision) {
     EXPECT_EQ(out->ref.complexData(1)[0], (complex{7, 0}));
 }
 
+TEST_F(Result, TheDivisionIsThatOfTheFrameThoughTheVectorWasMovedMeanwhile) {
+    dvec * v = argument(makeMember("v", {{1, 2}, {3}}, {{0, 1}, {7}}));
+    args.setDivision(1);
+    v->ref.setDivision(0);
+    result.setType(VD_COMPLEX, VD_COMPLEX);
+    EXPECT_TRUE(result.copyRefFromArgs(args, ALLOC_HINT, 3, 0));
+    EXPECT_EQ(divisionsOf(out->ref), (Divisions{{7}}));
+}
+
 TEST_F(Result, AReferenceBehindAnOffsetIsConvertedFromThere) {
     dvec * v = argument(makeMember("v", {{1, 2, 3}}, {{5, 6, 7}}));
     args.setIncrementalOffset(2, &v->ref);
@@ -372,7 +381,8 @@ TEST_F(Result, CopiedVectorsJoinEarlierDivisions) {
     next();
     result.copyVector(*v);
     EXPECT_EQ(divisionsOf(*out), (Divisions{{1, 2}, {1, 2}}));
-    EXPECT_EQ(divisionsOf(*v), (Divisions{{1, 2}})) << "the vector copied stays as it is";
+    v->addVal(9);
+    EXPECT_EQ(divisionsOf(*v), (Divisions{{1, 2, 9}})) << "the vector copied goes on by itself";
     next();
     result.copyVector(*z);
     ASSERT_TRUE(out->isComplex());
@@ -381,7 +391,7 @@ TEST_F(Result, CopiedVectorsJoinEarlierDivisions) {
     EXPECT_EQ(out->complexData(2)[0], (complex{3, 4}));
     next();
     result.copyVector(*v);
-    EXPECT_EQ(out->complexData(3)[1], (complex{2, 0}));
+    EXPECT_EQ(out->complexData(3)[2], (complex{9, 0}));
 }
 
 TEST_F(Result, DivisionsOfAKindThatCannotJoinGiveWay) {
