@@ -12,7 +12,8 @@ target_compile_options(torvelan_flags INTERFACE
 # GCC 12 takes its own std::string for an overlap (-Wrestrict), a reference count for a use after the last release, and a
 # test's replaced operator new for a mismatch.
 target_compile_options(torvelan_flags INTERFACE
-  $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion;-Wno-pass-failed> $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict;-Wno-use-after-free;-Wno-mismatched-new-delete>)
+  $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion;-Wno-pass-failed>
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict;-Wno-use-after-free;-Wno-mismatched-new-delete>)
 target_compile_definitions(torvelan_flags INTERFACE $<$<NOT:$<CONFIG:Release>>:_GLIBCXX_ASSERTIONS>)
 if(TORVELAN_SANITIZE)
   add_compile_options(-fsanitize=${TORVELAN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)

@@ -54,3 +54,6 @@ error: Cannot find vector of name 'x'
 error: Bad syntax in expression '2 +'
 sqrt(16) is 4
 " ${WORK}/programs/messages)
+expect(":out/:in: 1 division(s), unit '', over frequency
+  181 points, the first is 1.46469
+" ${WORK}/programs/vectors ${SOURCE}/examples/amplifier/ac.raw "out/in")
