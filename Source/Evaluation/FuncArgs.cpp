@@ -293,18 +293,16 @@ dvec * FuncArgs::copyOf(int i) const {
 
 void FuncArgs::replace(int i, dvec * vector) const {
     Argument const old = arguments[i];
-    bool const stays = standsElsewhere(i);
-    bool const released = owns(i) && !stays;
+    bool const released = owns(i) && !flat; // a flat call may be taken back
     NamedVector * const oldRef = old.vector != nullptr ? &old.vector->ref : nullptr;
     for (int j = 0; j < used && oldRef != nullptr; ++j)
-        if (arguments[j].ref == oldRef && (j == i || !stays)) arguments[j].ref = &vector->ref;
+        if (arguments[j].ref == oldRef) arguments[j].ref = &vector->ref;
     arguments[i].y = arguments[i].vector = vector;
     arguments[i].repeated = false;
-    if (stays) return;
     // The vector leaves the frame, which will not set it back to its first division later.
     old.y->setDivision(0);
     if (oldRef != nullptr) oldRef->setDivision(0);
-    if (released && !flat) old.vector->release(); // a flat call may be taken back
+    if (released) old.vector->release();
 }
 
 void FuncArgs::setDivision(std::int64_t d) noexcept {

@@ -214,7 +214,7 @@ private:
     // A new temporary that shares the data of argument i.
     dvec * copyOf(int i) const;
     // Puts a vector in the place of y, and of the reference where that belonged to the vector replaced, which is
-    // released if it was a temporary of the frame.
+    // released if it was a temporary of the frame. It stands nowhere else: operands that are one need no matching.
     void replace(int i, dvec * vector) const;
     void releaseOwned(int i) noexcept;
     bool standsElsewhere(int i) const noexcept; // the vector of i is that of another argument as well

@@ -656,6 +656,19 @@ TEST_F(FlatCalls, AFailureLeavesNoTraceOfTheAttempt) {
     expectSame(a, b, false);
 }
 
+TEST_F(FlatCalls, AFunctionThatIsNotElementwiseAfterAll) {
+    dvec * v = makeMember("v", {{1, 2}, {3}});
+    v->setMultiple();
+    FuncInfo info = makeInfo("count", count, 1, 1);
+    for (bool runFlat : {false, true}) {
+        info.flatDivisions = runFlat;
+        dvec * out = call(info, {v});
+        EXPECT_EQ(divisionsOf(*out), (Divisions{{2}, {1}}));
+        EXPECT_TRUE(out->isMultiple());
+        EXPECT_TRUE(out->ref.isMultiple());
+    }
+}
+
 TEST_F(FlatCalls, RoomIsForAllDivisionsOnce) {
     FuncInfo info = makeInfo("roomy", roomy, 1, 1);
     info.flatDivisions = true;

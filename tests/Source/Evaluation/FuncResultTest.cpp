@@ -127,7 +127,7 @@ TEST_F(Result, RoomReservedByTheFirstAllocation) {
 
 TEST_F(Result, OneDivisionReservesNoMoreThanItNeeds) {
     std::uint64_t const before = BlockMemory::bytesInUse();
-    result.makeReal(1, ALLOC_HINT, std::int64_t{1} << 40);
+    result.makeReal(2, ALLOC_HINT, std::int64_t{1} << 28);
     EXPECT_LT(BlockMemory::bytesInUse() - before, 1u << 20);
 }
 
@@ -217,6 +217,19 @@ TEST_F(Result, EmptyVectorsLeavesASharedReferenceShared) {
     result.emptyVectors();
     EXPECT_EQ(divisionsOf(*out), (Divisions{{1}}));
     EXPECT_TRUE(out->ref.sharesRep(v->ref));
+}
+
+TEST_F(Result, EmptyVectorsLeavesAReferenceThatIsAView) {
+    dvec * v = makeVector("v", {{1}, {2}, {3}}, {{0}, {1}, {2}});
+    v->ref.openDivisionAt(1);
+    argument(v);
+    result.setNumDivisions(2);
+    result.setType(VD_REAL, VD_REAL);
+    result.copyRefFromArgs(args, ALLOC_HINT, 2, 0);
+    result.beginCall();
+    result.emptyVectors();
+    EXPECT_TRUE(out->ref.sharesRep(v->ref));
+    EXPECT_EQ(divisionsOf(out->ref), (Divisions{{1}, {2}}));
 }
 
 TEST_F(Result, UnitsAndNames) {
