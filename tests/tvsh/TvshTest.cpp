@@ -1,0 +1,280 @@
+// The command-line host as a person and a script meet it: what it prints where, and its exit status.
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+using Words = std::vector<std::string>;
+
+enum Status { done = 0, wrongUsage = 2, unreadable = 3, failedExpression = 4, unwritable = 5 };
+
+struct Outcome {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+std::string quoted(std::string const & word) {
+    std::string text = "'";
+    for (char c : word) text += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return text + "'";
+}
+
+std::string contentOf(std::filesystem::path const & path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+class Tvsh : public testing::Test {
+protected:
+    Tvsh() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "tvsh-test-XXXXXX").string();
+        folder = mkdtemp(pattern.data());
+    }
+    ~Tvsh() override { std::filesystem::remove_all(folder); }
+
+    Outcome run(Words const & words, std::string const & redirection = "</dev/null") {
+        std::string command = quoted(TVSH_PROGRAM);
+        for (std::string const & word : words) command += " " + quoted(word);
+        auto const out = folder / "out", err = folder / "err";
+        if (redirection.find('>') == std::string::npos) command += " >" + quoted(out);
+        int const code = std::system((command + " 2>" + quoted(err) + " " + redirection).c_str());
+        return {WIFEXITED(code) ? WEXITSTATUS(code) : -1, contentOf(out), contentOf(err)};
+    }
+
+    std::vector<Json> json(Words words, int wantedStatus = done) {
+        words.insert(words.begin(), {"eval", "--json"});
+        Outcome const outcome = run(words);
+        EXPECT_EQ(outcome.status, wantedStatus) << outcome.err;
+        std::vector<Json> objects;
+        std::istringstream lines(outcome.out);
+        for (std::string line; std::getline(lines, line);) objects.push_back(Json::parse(line));
+        return objects;
+    }
+
+    std::string file(std::string const & name, std::string const & content) {
+        std::ofstream(folder / name, std::ios::binary) << content;
+        return (folder / name).string();
+    }
+
+    static std::string rawHeader(std::string const & flags, int points) {
+        return "Title: made by a test\nDate: today\nPlotname: Transient\nFlags: " + flags +
+               "\nNo. Variables: 2\nNo. Points: " + std::to_string(points) +
+               "\nVariables:\n\t0\ttime\ttime\n\t1\tv(out)\tvoltage\n";
+    }
+    std::string rawFile() {
+        return file("small.raw", rawHeader("real", 3) + "Values:\n 0\t0\n\t1.5\n 1\t1\n\t-2\n 2\t2\n\t4\n");
+    }
+
+    std::filesystem::path folder;
+};
+
+Words keysOf(Json const & object) {
+    Words keys;
+    for (auto const & item : object.items()) keys.push_back(item.key());
+    return keys;
+}
+
+} // namespace
+
+TEST_F(Tvsh, EvaluatesEachExpressionInOneSession) {
+    Outcome const outcome = run({"eval", "x=3", "x*2"});
+    EXPECT_EQ(outcome.status, done);
+    EXPECT_EQ(outcome.out, "x = 3\nx*2 = 6\n");
+    EXPECT_EQ(outcome.err, "");
+}
+
+TEST_F(Tvsh, ExpressionsAreTakenAsTheyStand) {
+    EXPECT_EQ(json({"[1,2,3]"}).at(0)["values"][0]["divisions"], Json::parse("[[1,2,3]]"));
+    EXPECT_EQ(json({""}, failedExpression).at(0)["messages"][0]["text"], "Bad syntax in expression ''");
+    EXPECT_EQ(json({"%s"}, failedExpression).at(0)["messages"][0]["text"], "Bad syntax in expression '%s'");
+    EXPECT_EQ(json({"1 2"}).at(0)["values"].size(), 2u);
+    EXPECT_EQ(json({"--", "-1"}).at(0)["values"][0]["divisions"], Json::parse("[[-1]]"));
+    EXPECT_EQ(json({"--", "--help"}, failedExpression).at(0)["expr"], "--help");
+    EXPECT_EQ(json({"'a,b'"}).at(0)["values"][0]["divisions"], Json::parse(R"([["a,b"]])"));
+}
+
+TEST_F(Tvsh, AssignmentsComeFirst) {
+    auto const objects = json({"--let", "a=2", "--let", "b=a*3", "b"});
+    ASSERT_EQ(objects.size(), 1u);
+    EXPECT_EQ(objects[0]["values"][0]["divisions"], Json::parse("[[6]]"));
+}
+
+TEST_F(Tvsh, AJsonObjectHasItsKeysInOrder) {
+    Json const object = json({"1+1"}).at(0);
+    EXPECT_EQ(keysOf(object), (Words{"expr", "ok", "code", "messages", "values"}));
+    EXPECT_EQ(keysOf(object["values"][0]),
+              (Words{"name", "type", "physType", "unit", "alias", "multiple", "labels", "divisions", "ref"}));
+    EXPECT_EQ(object["ok"], true);
+    EXPECT_EQ(object["code"], 0);
+    EXPECT_TRUE(object["values"][0]["ref"].is_null());
+}
+
+TEST_F(Tvsh, JsonNumbersReadBackToTheLastBit) {
+    EXPECT_EQ(json({"1/3"}).at(0)["values"][0]["divisions"][0][0].get<double>(), 1.0 / 3.0);
+    EXPECT_EQ(json({"0.1"}).at(0)["values"][0]["divisions"][0][0].get<double>(), 0.1);
+}
+
+TEST_F(Tvsh, JsonNumbersThatAreNoneAreWords) {
+    EXPECT_EQ(json({"0^-1"}).at(0)["values"][0]["divisions"], Json::parse(R"([["inf"]])"));
+    EXPECT_EQ(json({"--", "-(0^-1)"}).at(0)["values"][0]["divisions"], Json::parse(R"([["-inf"]])"));
+    EXPECT_EQ(json({"0^-1-0^-1"}).at(0)["values"][0]["divisions"], Json::parse(R"([["nan"]])"));
+}
+
+TEST_F(Tvsh, JsonComplexElementsArePairs) {
+    Json const value = json({"(1,2)*2"}).at(0)["values"][0];
+    EXPECT_EQ(value["type"], "complex");
+    EXPECT_EQ(value["divisions"], Json::parse("[[[2,4]]]"));
+}
+
+TEST_F(Tvsh, JsonCarriesTheReferenceAndUnits) {
+    Json const value = json({"--open", rawFile(), "out*2"}).at(0)["values"][0];
+    EXPECT_EQ(value["physType"], 2);
+    EXPECT_EQ(value["unit"], "V");
+    EXPECT_EQ(value["divisions"], Json::parse("[[3,-4,8]]"));
+    EXPECT_EQ(keysOf(value["ref"]), (Words{"name", "type", "physType", "divisions"}));
+    EXPECT_EQ(value["ref"]["name"], "time");
+    EXPECT_EQ(value["ref"]["divisions"], Json::parse("[[0,1,2]]"));
+}
+
+TEST_F(Tvsh, AFailedExpressionTellsItsMessagesAndCode) {
+    auto const objects = json({"nothing", "1+1"}, failedExpression);
+    EXPECT_EQ(objects.at(0)["ok"], false);
+    EXPECT_EQ(objects.at(0)["code"], 3);
+    EXPECT_EQ(objects.at(0)["messages"],
+              Json::parse(R"([{"level":"error","text":"Cannot find vector of name 'nothing'"}])"));
+    EXPECT_EQ(objects.at(1)["ok"], true) << "the next expression is evaluated all the same";
+}
+
+TEST_F(Tvsh, WordsGoToStandardError) {
+    Outcome const outcome = run({"eval", "nothing"});
+    EXPECT_EQ(outcome.status, failedExpression);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, "error: Cannot find vector of name 'nothing'\n");
+}
+
+TEST_F(Tvsh, PrecisionIsThatAskedFor) {
+    EXPECT_EQ(run({"eval", "--precision", "3", "1/3"}).out, "1/3 = 0.333\n");
+}
+
+TEST_F(Tvsh, AGroupNamesWhereToLook) {
+    std::string const path = rawFile();
+    EXPECT_EQ(run({"eval", "--open", path, "--open", path, "--group", "spice3_1", "out[1]"}).status, done);
+    EXPECT_EQ(run({"eval", "--open", path, "--group", "nosuch", "out[1]"}).status, wrongUsage);
+}
+
+TEST_F(Tvsh, TheTypeMayBeNamed) {
+    EXPECT_EQ(run({"eval", "--open", "spice3:" + rawFile(), "mean(out)"}).status, done);
+    EXPECT_EQ(run({"eval", "--open", "text:" + rawFile(), "mean(out)"}).status, unreadable);
+}
+
+TEST_F(Tvsh, ListsVectorsWithKindLengthUnitAndReference) {
+    Outcome const outcome = run({"list", rawFile()});
+    EXPECT_EQ(outcome.status, done);
+    for (char const * word : {"spice3_1", "made by a test", "out", "real", "3", "V", "time"})
+        EXPECT_NE(outcome.out.find(word), std::string::npos) << word;
+}
+
+TEST_F(Tvsh, PrintsATable) {
+    Outcome const outcome = run({"print", rawFile(), "out", "out*out"});
+    EXPECT_EQ(outcome.status, done);
+    EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 4);
+    EXPECT_NE(outcome.out.find("-2 V"), std::string::npos);
+}
+
+TEST_F(Tvsh, ListsFunctionsWithTheirCounts) {
+    Outcome const names = run({"functions"});
+    EXPECT_EQ(names.status, done);
+    EXPECT_NE(names.out.find("\nphase_rad\n"), std::string::npos);
+    std::istringstream lines(run({"functions", "--json"}).out);
+    bool found = false;
+    for (std::string line; std::getline(lines, line);) {
+        Json const entry = Json::parse(line);
+        EXPECT_FALSE(entry["summary"].get<std::string>().empty()) << line;
+        if (entry["name"] != "max") continue;
+        found = true;
+        EXPECT_EQ(entry["minArgs"], 2);
+        EXPECT_EQ(entry["maxArgs"], 2);
+    }
+    EXPECT_TRUE(found);
+}
+
+TEST_F(Tvsh, VersionAndHelp) {
+    for (char const * option : {"-V", "--version"}) EXPECT_EQ(run({option}).status, done);
+    EXPECT_NE(run({"-V"}).out.find("0.1.0"), std::string::npos);
+    for (Words const & words :
+         {Words{"-h"}, {"--help"}, {"eval", "-h"}, {"list", "--help"}, {"print", "-h"}, {"functions", "--help"}}) {
+        Outcome const outcome = run(words);
+        EXPECT_EQ(outcome.status, done) << words.front();
+        EXPECT_NE(outcome.out.find("Usage: tvsh"), std::string::npos) << words.front();
+    }
+}
+
+TEST_F(Tvsh, WrongUsageIsTwo) {
+    for (Words const & words : {Words{"nosuch"},
+                                {"eval"},
+                                {"eval", "--nosuch", "1"},
+                                {"list"},
+                                {"print", "x"},
+                                {"eval", "--precision", "99", "1"}}) {
+        Outcome const outcome = run(words);
+        EXPECT_EQ(outcome.status, wrongUsage) << words.front();
+        EXPECT_NE(outcome.err.find("--help"), std::string::npos) << words.front();
+        EXPECT_EQ(outcome.out, "");
+    }
+}
+
+TEST_F(Tvsh, AnUnreadableFileIsNamed) {
+    for (std::string const & path :
+         {std::string("/nonexistent/x.raw"), file("empty.raw", ""), file("text.txt", "hello\n"),
+          file("cut.raw", rawHeader("real", 3)), folder.string()}) {
+        Outcome const outcome = run({"list", path});
+        EXPECT_EQ(outcome.status, unreadable) << path;
+        EXPECT_NE(outcome.err.find(path), std::string::npos) << outcome.err;
+    }
+}
+
+TEST_F(Tvsh, ABinaryRawFileIsExplained) {
+    std::string const path = file("binary.raw", rawHeader("real", 1) + "Binary:\n" + std::string(16, '\1'));
+    Outcome const outcome = run({"list", path});
+    EXPECT_EQ(outcome.status, unreadable);
+    EXPECT_NE(outcome.err.find("set filetype=ascii"), std::string::npos);
+}
+
+TEST_F(Tvsh, PathsMayHoldAnyByte) {
+    std::filesystem::copy_file(rawFile(), folder / "a b:c'%s\n\xFF.raw");
+    EXPECT_EQ(run({"eval", "--open", "spice3:" + (folder / "a b:c'%s\n\xFF.raw").string(), "mean(out)"}).status, done);
+}
+
+TEST_F(Tvsh, AnOutputThatCannotBeWrittenIsFive) {
+    EXPECT_EQ(run({"eval", "1"}, ">/dev/full").status, unwritable);
+    EXPECT_EQ(run({"functions"}, ">/dev/full").status, unwritable);
+}
+
+TEST_F(Tvsh, ADecimalCommaChangesNothing) {
+    Outcome const outcome = run({"eval", "--precision", "3", "1.5*2.25"});
+    EXPECT_EQ(outcome.out, "1.5*2.25 = 3.38\n");
+}
+
+TEST_F(Tvsh, ThePromptTakesALineAtATime) {
+    std::string const script = file("lines", "x=[1,2]\nx*2\nnothing\n1+1\nquit\n3\n");
+    Outcome const outcome = run({}, "<" + quoted(script));
+    EXPECT_EQ(outcome.out, "x = 1, 2\nx*2 = 2, 4\n1+1 = 2\n");
+    EXPECT_NE(outcome.err.find("Cannot find vector of name 'nothing'"), std::string::npos);
+}
