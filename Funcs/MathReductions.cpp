@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 
 namespace mathkernels {
@@ -81,6 +82,18 @@ int divideBy(double divisor, double * out, double const * in, std::size_t count)
     return refusedNothing;
 }
 
+TORVELAN_MULTIVERSION std::int64_t countGreater(double const * in, std::size_t count, double than) {
+    std::int64_t found = 0;
+    for (std::size_t i = 0; i < count; ++i) found += in[i] > than ? 1 : 0;
+    return found;
+}
+
+TORVELAN_MULTIVERSION std::int64_t countLess(double const * in, std::size_t count, double than) {
+    std::int64_t found = 0;
+    for (std::size_t i = 0; i < count; ++i) found += in[i] < than ? 1 : 0;
+    return found;
+}
+
 bool isGreater(double a, double b) noexcept {
     return a > b;
 }
@@ -90,14 +103,18 @@ bool isLess(double a, double b) noexcept {
 }
 
 // The place of the best element so far; the first of equals wins.
-template <bool (*isBetter)(double, double)> class Search {
+template <auto countBetter, bool (*isBetter)(double, double)> class Search {
 public:
     explicit Search(double start) noexcept : best_(start) {}
 
-    void look(double x, std::size_t i) noexcept {
-        if (!isBetter(x, best_)) return;
-        best_ = x;
-        index_ = i;
+    // The elements of a piece, the first of which has an index. Most pieces hold none that is better.
+    void look(double const * piece, std::size_t count, std::size_t index) {
+        if (countBetter(piece, count, best_) == 0) return;
+        for (std::size_t k = 0; k < count; ++k)
+            if (isBetter(piece[k], best_)) {
+                best_ = piece[k];
+                index_ = index + k;
+            }
         found_ = true;
     }
     int answer(double * out) const noexcept {
@@ -111,12 +128,12 @@ private:
     bool found_ = false;
 };
 
-using Greatest = Search<isGreater>;
-using Least = Search<isLess>;
+using Greatest = Search<countGreater, isGreater>;
+using Least = Search<countLess, isLess>;
 constexpr double mostPositive = std::numeric_limits<double>::max();
 
 template <class S> int searchReal(S search, double * out, double const * in, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) search.look(in[i], i);
+    for (std::size_t i = 0; i < count; i += pieceLength) search.look(in + i, std::min(pieceLength, count - i), i);
     return search.answer(out);
 }
 
@@ -125,7 +142,7 @@ template <class S> int searchMagnitudes(S search, double * out, double const * i
     for (std::size_t i = 0; i < count; i += pieceLength) {
         std::size_t const n = std::min(pieceLength, count - i);
         complexMagnitude(magnitudes, in + 2 * i, n);
-        for (std::size_t k = 0; k < n; ++k) search.look(magnitudes[k], i + k);
+        search.look(magnitudes, n, i);
     }
     return search.answer(out);
 }

@@ -3,29 +3,38 @@
 #include <algorithm>
 #include <cstdint>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
+#if defined(__x86_64__)
+#include <immintrin.h>
 #endif
 
 namespace kernels {
 
 namespace {
 
-constexpr std::size_t blockLength = 128; // elements computed at a time; two operands and the result fit the first cache
+constexpr std::size_t blockLength = 256;   // elements computed at a time when an operand is repeated
+constexpr std::size_t streamedLength = 64; // the same when the result is written past the cache
 constexpr std::size_t prefetchAhead = 512; // doubles between what is computed and what is fetched
 constexpr std::size_t cacheLine = 8;       // doubles
+constexpr std::size_t lineBytes = cacheLine * sizeof(double);
 
-struct alignas(64) Block {
+struct alignas(lineBytes) Block {
     double values[2 * blockLength]; // not initialised
 };
 
-#if defined(__SSE2__)
+#if defined(__x86_64__)
 
-// Copies past the cache; `to` is aligned to 16 bytes.
-void streamOut(double * to, double const * from, std::size_t count) noexcept {
-    std::size_t const pairs = count / 2;
-    for (std::size_t i = 0; i < pairs; ++i) _mm_stream_pd(to + 2 * i, _mm_load_pd(from + 2 * i));
-    if (count % 2 != 0) to[count - 1] = from[count - 1];
+// Copies whole lines past the cache; both ends are aligned to lines.
+__attribute__((target("avx512f"))) void streamWide(double * to, double const * from, std::size_t count) noexcept {
+    for (std::size_t i = 0; i < count; i += cacheLine) _mm512_stream_pd(to + i, _mm512_load_pd(from + i));
+}
+
+void streamNarrow(double * to, double const * from, std::size_t count) noexcept {
+    for (std::size_t i = 0; i < count; i += 2) _mm_stream_pd(to + i, _mm_load_pd(from + i));
+}
+
+void streamLines(double * to, double const * from, std::size_t count) noexcept {
+    static bool const wide = __builtin_cpu_supports("avx512f") != 0;
+    return wide ? streamWide(to, from, count) : streamNarrow(to, from, count);
 }
 
 void endStreaming() noexcept {
@@ -36,7 +45,7 @@ constexpr bool canStream = true;
 
 #else
 
-void streamOut(double * to, double const * from, std::size_t count) noexcept {
+void streamLines(double * to, double const * from, std::size_t count) noexcept {
     std::copy(from, from + count, to);
 }
 
@@ -60,7 +69,7 @@ public:
 
     // Asks for the block of elements that comes prefetchAhead doubles after element i.
     void prefetch(std::size_t i, std::size_t count) const noexcept {
-        std::size_t const begin = i * operand_.width + prefetchAhead, end = begin + blockLength * operand_.width;
+        std::size_t const begin = i * operand_.width + prefetchAhead, end = begin + streamedLength * operand_.width;
         if (operand_.repeated || end > count * operand_.width) return;
         for (std::size_t k = begin; k < end; k += cacheLine) __builtin_prefetch(at_ + k);
     }
@@ -70,10 +79,16 @@ private:
     double const * at_;
 };
 
-// A result that is large, apart from its operands and well placed.
+// A result that is large, apart from its operands and whose elements do not straddle lines.
 bool shouldStream(double const * out, std::size_t outWidth, double const * a, double const * b, std::size_t count) {
     return canStream && count * outWidth * sizeof(double) >= streamingSize && out != a && out != b &&
-           reinterpret_cast<std::uintptr_t>(out) % sizeof(double[2]) == 0;
+           reinterpret_cast<std::uintptr_t>(out) % (outWidth * sizeof(double)) == 0;
+}
+
+// Elements before the first that begins a line.
+std::size_t elementsToLine(double const * out, std::size_t outWidth) noexcept {
+    std::size_t const behind = reinterpret_cast<std::uintptr_t>(out) % lineBytes;
+    return behind == 0 ? 0 : (lineBytes - behind) / (outWidth * sizeof(double));
 }
 
 // compute(to, i, n) does the elements from i to i + n; fetch(i) asks for coming ones.
@@ -83,17 +98,19 @@ int inBlocks(double * out, std::size_t outWidth, std::size_t count, auto compute
     return 0;
 }
 
+// The lines that are not whole, at both ends, are written in place.
 int inStreamedBlocks(double * out, std::size_t outWidth, std::size_t count, auto compute, auto fetch) {
     Block result;
-    int code = 0;
-    for (std::size_t i = 0; i < count && code == 0; i += blockLength) {
-        std::size_t const n = std::min(blockLength, count - i);
+    std::size_t const first = elementsToLine(out, outWidth);
+    std::size_t const last = first + (count - first) / streamedLength * streamedLength;
+    int code = compute(out, 0, first);
+    for (std::size_t i = first; i < last && code == 0; i += streamedLength) {
         fetch(i);
-        code = compute(result.values, i, n);
-        streamOut(out + i * outWidth, result.values, n * outWidth);
+        code = compute(result.values, i, streamedLength);
+        streamLines(out + i * outWidth, result.values, streamedLength * outWidth);
     }
     endStreaming();
-    return code;
+    return code != 0 ? code : compute(out + last * outWidth, last, count - last);
 }
 
 } // namespace

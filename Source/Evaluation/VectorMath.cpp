@@ -1,7 +1,10 @@
 #include "Evaluation/VectorMath.h"
 
+#include "Evaluation/Multiversion.h"
+
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <iterator>
 
 #if defined(__x86_64__)
@@ -169,6 +172,13 @@ Routines const & routines() noexcept {
     return *chosenRoutines();
 }
 
+// Counts as wide as the elements, which makes it a vector loop.
+template <bool (*test)(double)> bool anyIs(double const * in, std::size_t count) {
+    std::int64_t found = 0;
+    for (std::size_t i = 0; i < count; ++i) found += test(in[i]) ? 1 : 0;
+    return found != 0;
+}
+
 // Runs a loop, and puts the exact function in the place of the few elements where the loop is not good enough.
 template <bool (*isHard)(double), double (*exact)(double)>
 void corrected(Unary loop, double * out, double const * in, std::size_t count) {
@@ -178,6 +188,7 @@ void corrected(Unary loop, double * out, double const * in, std::size_t count) {
         std::size_t const n = std::min(piece, count - i);
         std::copy(in + i, in + i + n, kept);
         loop(out + i, kept, n);
+        if (!anyIs<isHard>(kept, n)) continue;
         for (std::size_t k = 0; k < n; ++k)
             if (isHard(kept[k])) out[i + k] = exact(kept[k]);
     }
@@ -199,7 +210,7 @@ double exactCosh(double x) {
 
 // The vector routine of the tangent halves its argument, which takes a bit from a denormal.
 bool isNearDenormal(double x) {
-    return std::fabs(x) < 1e-300 && x != 0;
+    return both(std::fabs(x) < 1e-300, x != 0);
 }
 
 double itself(double x) {
