@@ -186,7 +186,7 @@ private:
     VectorRep * unique();                      // copy on write
     template <class T> T * writable(VD_type kind);
     bool acceptsLabels(std::size_t count, bool requireUnique) const noexcept;
-    std::int64_t absolute(std::int64_t division) const noexcept; // -1 for a negative one
+    std::int64_t absolute(std::int64_t division) const noexcept;    // -1 for a negative one
     std::int64_t shownLength(std::int64_t division) const noexcept; // by absolute index
     void showAll() noexcept;
 
