@@ -3,7 +3,6 @@
 #include "Evaluation/FunctionTimers.h"
 #include "FrameTools.h"
 
-
 namespace {
 
 FUNC_ERROR nothing(FuncArgs const &, FuncResult *, FuncInfo *, YRef<MessageHandler>, MessageHandler &,
