@@ -28,7 +28,9 @@ public:
     ScratchFile(ScratchFile const &) = delete;
     ScratchFile & operator=(ScratchFile const &) = delete;
 
+    // As a new file each time: truncating one makes some file systems wait for the disk.
     void rewrite(std::string_view content) const {
+        std::remove(path_);
         std::ofstream out(path_, std::ios::binary);
         out.write(content.data(), static_cast<std::streamsize>(content.size()));
     }
