@@ -224,7 +224,7 @@ void vec_ReleaseVector(XYVector * vector) {
 }
 
 bool vec_IsAlias(XYVector const * vector) {
-    return static_cast<dvec const *>(vector)->isAlias();
+    return vector != nullptr && static_cast<dvec const *>(vector)->isAlias();
 }
 
 VecSubstExpressionObject::~VecSubstExpressionObject() = default;

@@ -48,5 +48,5 @@ TORVELAN_API VEC_ERROR vec_GetNumericVector(YString const & group, YString const
                                             YRef<MessageHandler> messages, ScpParseContext const & context);
 // Ends a vector that vec_EvalVecList gave, if it is a temporary; members of groups stay. Null is fine.
 TORVELAN_API void vec_ReleaseVector(XYVector * vector);
-// True for a member of a group that is an alias (VF_ALIAS).
+// True for a vector that is an alias (VF_ALIAS).
 TORVELAN_API bool vec_IsAlias(XYVector const * vector);
