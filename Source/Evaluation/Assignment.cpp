@@ -91,7 +91,6 @@ ExprValue * assignVector(ParseState & state, Token const * target, ExprValue * r
         return nullptr;
     }
     vector->assign(*rhs->vector);
-    vector->enterGroup();
     if (rhs->vector != vector) releaseTemporary(rhs->vector);
     named->vector = vector;
     return named;

@@ -116,8 +116,9 @@ void dvec::setName(YString newName) {
 
 void dvec::enterGroup() {
     if (!isTemporary()) return;
-    group = orLocal(group);
-    if (group == nullptr || !group->enter(this)) return;
+    Group * home = orLocal(group);
+    if (home == nullptr || !home->enter(this)) return;
+    group = home;
     flags |= VF_INGROUP;
     LoosePool::remove(this);
 }
@@ -132,6 +133,7 @@ void dvec::leaveGroup() {
 void dvec::assign(dvec const & other) {
     BaseVector::operator=(other);
     ref = other.ref;
+    enterGroup();
 }
 
 void dvec::release() {

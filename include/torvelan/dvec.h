@@ -43,7 +43,7 @@ public:
     void setName(YString newName) override; // reindexes the group's table
     void enterGroup();
     void leaveGroup();
-    // Takes the data of both sides of `other`; keeps its own name, group and flags.
+    // Takes the data of both sides of `other`, keeps its own name and group, and enters the group if it is not in it.
     void assign(dvec const & other);
     // Ends the vector, unless it is read-only. The object is gone afterwards.
     void release();

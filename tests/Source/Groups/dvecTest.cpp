@@ -159,6 +159,14 @@ TEST_F(DvecTest, AssignTakesTheDataAndKeepsNameGroupAndFlags) {
     EXPECT_EQ(nameSpace().global->find("target"), target);
 }
 
+TEST_F(DvecTest, AssignEntersTheGroup) {
+    auto * target = new dvec("target", nameSpace().global, PT_NONE);
+    target->assign(*new dvec("source", 2.0));
+    EXPECT_EQ(nameSpace().global->find("target"), target);
+    EXPECT_FALSE(target->isTemporary());
+    EXPECT_EQ(target->getReal(0), 2);
+}
+
 TEST_F(DvecTest, AssignToItselfChangesNothing) {
     auto * vector = member(nameSpace().global, "self", 3);
     vector->assign(*vector);
@@ -232,6 +240,17 @@ TEST_F(DvecTest, TemporaryOfADeadGroupBelongsToThePresentLocalGroup) {
     vector->enterGroup();
     EXPECT_EQ(nameSpace().global->find("orphan"), vector);
     EXPECT_EQ(vector->owner(), nameSpace().global);
+}
+
+TEST_F(DvecTest, OrphanDoesNotBelongToAGroupThatRefusesIt) {
+    pushContext();
+    auto * vector = new dvec("orphan", 5.0);
+    popContext();
+    member(pushContext(), "orphan", 1);
+    vector->enterGroup();
+    expectInternalError("Source\\plots");
+    popContext();
+    EXPECT_EQ(text(vector->fullName()), "global:orphan"); // does not look at the dead context
 }
 
 TEST_F(DvecTest, WithoutAnyGroupAVectorStaysATemporary) {
