@@ -56,6 +56,7 @@ void DivisionTable::push(std::uint64_t offset) {
         order = falls || order == Order::none ? Order::none : Order::notFalling;
     }
     entries->append(offset);
+    lowBits |= static_cast<std::uint8_t>(offset % 16);
     cachedLive = 0;
 }
 

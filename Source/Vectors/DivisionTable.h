@@ -14,7 +14,8 @@ public:
     // Divisions of data of `size` bytes, at least 1. Entries at the end that do not lie before `size` were announced
     // and have not been filled: they do not exist yet. Constant time for entries that rise, as all but foreign ones do.
     std::int64_t live(std::uint64_t size) const noexcept;
-    bool rises() const noexcept { return order == Order::rising; } // every entry is greater than the one before
+    // Every entry is greater than the one before, by a multiple of `width`, which is a power of two up to 16.
+    bool risesBy(std::uint64_t width) const noexcept { return order == Order::rising && (lowBits & (width - 1)) == 0; }
     bool sharesEntries(DivisionTable const & other) const noexcept { return entries == other.entries; }
 
     // Entry 0, for the first division, is put in with the first one appended. Throws MemoryException.
@@ -34,6 +35,7 @@ private:
 
     BlockRef entries;
     Order order = Order::rising;
+    std::uint8_t lowBits = 0; // those of all entries together
     // Last answer of findLive; 0 when there is none.
     mutable std::int64_t cachedLive = 0;
     mutable std::uint64_t cachedSize = 0;

@@ -246,10 +246,10 @@ bool BaseVector::sameDivisions(BaseVector const & other) const noexcept {
 
 bool BaseVector::everyDivisionHasData() const noexcept {
     VectorRep const & r = record();
-    if (length(0) == 0) return false;
-    bool noneIsCut = forcedLength == -1 && endDivision <= r.divisions();
-    if (noneIsCut && r.divisionIndex.rises()) return true;
-    for (std::int64_t i = 1, n = numDivisions(); i < n; ++i)
+    std::int64_t n = numDivisions();
+    if (length(0) == 0 || length(n - 1) == 0) return false;
+    if (forcedLength == -1 && r.divisionIndex.risesBy(elementWidth(r.type))) return true;
+    for (std::int64_t i = 1; i < n; ++i)
         if (length(i) == 0) return false;
     return true;
 }

@@ -61,12 +61,15 @@ TEST(DivisionTable, CountsLikeAWalkForAnyEntries) {
     }
 }
 
-TEST(DivisionTable, KnowsWhetherEntriesRise) {
-    EXPECT_TRUE(DivisionTable().rises());
-    EXPECT_TRUE(tableOf({8, 16}).rises());
-    EXPECT_FALSE(tableOf({0}).rises());
-    EXPECT_FALSE(tableOf({8, 8}).rises());
-    EXPECT_FALSE(tableOf({16, 8, 24}).rises());
+TEST(DivisionTable, KnowsWhetherEntriesRiseByWholeElements) {
+    EXPECT_TRUE(DivisionTable().risesBy(8));
+    EXPECT_TRUE(tableOf({8, 16}).risesBy(8));
+    EXPECT_FALSE(tableOf({8, 16}).risesBy(16));
+    EXPECT_TRUE(tableOf({16, 48}).risesBy(16));
+    EXPECT_FALSE(tableOf({12, 16}).risesBy(8));
+    EXPECT_FALSE(tableOf({0}).risesBy(8));
+    EXPECT_FALSE(tableOf({8, 8}).risesBy(8));
+    EXPECT_FALSE(tableOf({16, 8, 24}).risesBy(8));
 }
 
 TEST(DivisionTable, CopiesShareUntilOneChanges) {

@@ -195,6 +195,20 @@ TEST(VectorReading, EveryDivisionHasDataUnlessOneIsEmpty) {
     EXPECT_TRUE(announced.everyDivisionHasData());
 }
 
+TEST(VectorReading, ADivisionTooShortForAnElementHasNoData) {
+    BaseVector between = realVector({1, 2});
+    between.addDivision("");
+    between.addDivision("", sizeof(double) / 2); // starts in the middle of an element
+    between.addVal(3.0);
+    ASSERT_EQ(between.length(1), 0);
+    EXPECT_FALSE(between.everyDivisionHasData());
+    BaseVector last = steppedVector({{1, 2}, {3}});
+    last.setComplexFlag();
+    ASSERT_EQ(last.length(0), 1);
+    ASSERT_EQ(last.length(1), 0);
+    EXPECT_FALSE(last.everyDivisionHasData());
+}
+
 TEST(VectorReading, AKindWithoutElementsHasLengthZero) {
     BaseVector v = realVector({1, 2});
     v.setSize(5, VD_NONE);
