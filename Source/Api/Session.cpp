@@ -18,15 +18,20 @@ YRef<MessageHandler> getSessionHandler() {
     return sessionHandler();
 }
 
+bool standsInstalled() {
+    return support_GetDynamicFunction(handlerGetter) == reinterpret_cast<DynamicFunction>(getSessionHandler);
+}
+
 void installHandler(YRef<MessageHandler> handler) {
-    getterBefore = support_GetDynamicFunction(handlerGetter);
     if (handler == nullptr) return;
+    getterBefore = support_GetDynamicFunction(handlerGetter);
     sessionHandler() = std::move(handler);
     MakeDynamicFunction(handlerGetter, reinterpret_cast<DynamicFunction>(getSessionHandler));
 }
 
+// A getter that the host has registered during the session stays.
 void removeHandler() {
-    MakeDynamicFunction(handlerGetter, getterBefore);
+    if (standsInstalled()) MakeDynamicFunction(handlerGetter, getterBefore);
     sessionHandler() = nullptr;
 }
 

@@ -155,6 +155,25 @@ TEST(Session, HandlerOfTheHostStandsBesideASessionWithoutOne) {
     MakeDynamicFunction("getDefaultMessageHandler", nullptr);
 }
 
+TEST(Session, HandlerThatTheHostRegistersDuringASessionStays) {
+    hostReports = std::make_shared<RecordedMessages>();
+    auto const registerHostGetter = [] {
+        MakeDynamicFunction("getDefaultMessageHandler", reinterpret_cast<DynamicFunction>(hostGetter));
+    };
+    {
+        EngineSession session;
+        registerHostGetter();
+    }
+    EXPECT_EQ(defaultMessageHandler(), hostReports);
+    MakeDynamicFunction("getDefaultMessageHandler", nullptr);
+    {
+        EngineSession session{std::make_shared<RecordedMessages>()};
+        registerHostGetter();
+    }
+    EXPECT_EQ(defaultMessageHandler(), hostReports);
+    MakeDynamicFunction("getDefaultMessageHandler", nullptr);
+}
+
 TEST(Session, SecondSessionBesideARunningOneIsAnInternalErrorAndInert) {
     auto const reports = std::make_shared<RecordedMessages>();
     EngineSession session{reports};
