@@ -257,6 +257,17 @@ TEST_F(Tvsh, ABinaryRawFileIsExplained) {
     EXPECT_NE(outcome.err.find("set filetype=ascii"), std::string::npos);
 }
 
+TEST_F(Tvsh, FurtherDataSetsOfAFileAreNotLeftOutInSilence) {
+    std::string const one = contentOf(rawFile());
+    auto const path = file("three.raw", one + std::string(3000000, '\n') + one + one);
+    Outcome const outcome = run({"eval", "--open", path, "out[1]"});
+    EXPECT_EQ(outcome.status, done);
+    EXPECT_EQ(outcome.out, "out[1] = -2 V\n");
+    EXPECT_EQ(outcome.err,
+              "warning: " + path + ": the file holds 3 data sets, of which only the first has been read\n");
+    EXPECT_EQ(run({"eval", "--open", rawFile(), "out[1]"}).err, "");
+}
+
 TEST_F(Tvsh, PathsMayHoldAnyByte) {
     std::filesystem::copy_file(rawFile(), folder / "a b:c'%s\n\xFF.raw");
     EXPECT_EQ(run({"eval", "--open", "spice3:" + (folder / "a b:c'%s\n\xFF.raw").string(), "mean(out)"}).status, done);

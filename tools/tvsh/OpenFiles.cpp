@@ -52,7 +52,10 @@ bool openAs(FileArgument const & file, std::shared_ptr<ConsoleMessages> const & 
     RawFileForm const form = mayBeRaw ? rawFileForm(file.path) : RawFileForm::other;
     if (!isReadable(file, form, *messages)) return false;
     DataFileType const type = file.type != nullptr ? file.type->type : DATA_SPICE3;
-    return vec_OpenForeignDataFile(YString(file.path), type, VecOpenGroupOptions(), nullptr, messages);
+    if (!vec_OpenForeignDataFile(YString(file.path), type, VecOpenGroupOptions(), nullptr, messages)) return false;
+    if (int const sets = countDataSets(file.path); sets > 1)
+        messages->warning("the file holds %d data sets, of which only the first has been read", sets);
+    return true;
 }
 
 } // namespace

@@ -58,3 +58,20 @@ RawFileForm rawFileForm(std::string const & path) {
             break;
     return RawFileForm::ascii;
 }
+
+int countDataSets(std::string const & path) {
+    constexpr std::string_view mark = "\nVariables:"; // one in each header; only the mark's own bytes are carried over
+    constexpr std::size_t pieceBytes = std::size_t{1} << 20;
+    std::ifstream in(path, std::ios::binary);
+    std::string piece = "\n";
+    int count = 0;
+    while (in) {
+        std::size_t const kept = piece.size();
+        piece.resize(kept + pieceBytes);
+        in.read(piece.data() + kept, pieceBytes);
+        piece.resize(kept + static_cast<std::size_t>(in.gcount()));
+        for (auto at = piece.find(mark); at != std::string::npos; at = piece.find(mark, at + mark.size())) ++count;
+        piece.erase(0, piece.size() - std::min(piece.size(), mark.size() - 1));
+    }
+    return count;
+}

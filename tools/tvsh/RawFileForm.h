@@ -11,3 +11,6 @@ enum class RawFileForm {
 };
 
 RawFileForm rawFileForm(std::string const & path);
+
+// Number of data sets that stand one behind the other in a file in ASCII form.
+int countDataSets(std::string const & path);
