@@ -193,9 +193,15 @@ void countIn(std::size_t bytes) noexcept {
     peak = std::max(peak, inUse);
 }
 
+Piece obtainExactly(std::size_t bytes) {
+    Piece piece = fromSystemOrThrow(bytes);
+    countIn(piece.bytes);
+    return piece;
+}
+
 Piece obtain(std::size_t bytes) {
     Piece piece = fromKept(bytes);
-    if (!piece.data) piece = fromSystemOrThrow(bytes);
+    if (!piece.data) return obtainExactly(bytes);
     countIn(piece.bytes);
     return piece;
 }
@@ -209,8 +215,9 @@ Piece resizedPages(Piece piece, std::size_t bytes) noexcept {
     return {static_cast<char *>(data), bytes};
 }
 
+// What shrinks is to give memory back, and a kept piece may be larger still.
 Piece moved(Piece piece, std::size_t used, std::size_t bytes) {
-    Piece fresh = obtain(bytes);
+    Piece fresh = bytes < piece.bytes ? obtainExactly(bytes) : obtain(bytes);
     if (std::size_t count = std::min(used, fresh.bytes); count != 0) std::memcpy(fresh.data, piece.data, count);
     BlockMemory::release(piece);
     return fresh;

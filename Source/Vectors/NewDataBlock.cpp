@@ -40,12 +40,7 @@ NewDataBlock::~NewDataBlock() {
 
 void NewDataBlock::growFor(std::uint64_t bytes) {
     if (bytes > largestSize - size_) throwVectorAllocationFailed();
-    grow(size_ + bytes);
-}
-
-void NewDataBlock::grow(std::uint64_t need) {
-    if (need <= capacity_) return;
-    if (need > largestSize) throwVectorAllocationFailed();
+    std::uint64_t need = size_ + bytes;
     setCapacity(need < leastGrowth ? leastGrowth : std::min(need + need / 2, largestSize));
 }
 
@@ -69,11 +64,6 @@ std::uint64_t NewDataBlock::read(void * dest, std::uint64_t bytes, std::uint64_t
 
 void NewDataBlock::resize(std::uint64_t bytes) {
     reserve(bytes);
-    size_ = bytes;
-}
-
-void NewDataBlock::resizeInSteps(std::uint64_t bytes) {
-    grow(bytes);
     size_ = bytes;
 }
 

@@ -56,12 +56,8 @@ public:
     std::uint64_t read(void * dest, std::uint64_t bytes, std::uint64_t offset) const noexcept;
     // Sets the size. Bytes beyond the old one are not cleared; the room becomes exactly what is needed.
     void resize(std::uint64_t bytes);
-    // The same, but growing by half as much again, for sizes that rise step by step.
-    void resizeInSteps(std::uint64_t bytes);
     void reserve(std::uint64_t bytes); // room for so many bytes in all
     void shrink();                     // fits the memory to the size
-    // Drops the memory when the content also lies elsewhere. It never does yet, so nothing is lost and nothing dropped.
-    void free() noexcept {}
 
     static void * operator new(std::size_t size);
     static void operator delete(void * memory) noexcept;
@@ -72,7 +68,6 @@ private:
 
     bool isInline() const noexcept { return data == inlineData; }
     void growFor(std::uint64_t bytes);
-    void grow(std::uint64_t need);
     void setCapacity(std::uint64_t bytes);
 
     char * data = inlineData;

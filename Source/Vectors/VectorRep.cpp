@@ -145,11 +145,10 @@ void VectorRep::resize(std::int64_t n, VD_type newType, Growth growth) {
 // The divisions behind the cut go with the data; an entry that stayed would come back to life when data grow again.
 void VectorRep::cut(std::int64_t n, VD_type newType) {
     std::uint64_t newBytes = byteCount(n, newType);
-    DivisionTable remaining = divisionIndex;
-    remaining.cut(remaining.live(newBytes));
+    divisionIndex.reserve(0); // what may fail comes first
     prepare(newBytes, newBytes, Growth::exact);
     setElements(n, newType);
-    divisionIndex = std::move(remaining);
+    divisionIndex.cut(divisionIndex.live(newBytes));
 }
 
 // Within the room that the block has.

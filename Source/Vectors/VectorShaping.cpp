@@ -65,17 +65,16 @@ void BaseVector::expandTo(YArray<std::int64_t> const & lengths) {
     std::size_t n = lengths.size();
     auto have = static_cast<std::size_t>(numDivisions());
     if (n == 0 || (have != 1 && have != n)) return;
-    VectorRep const & from = record();
+    VectorRep * own = unique();
     BlockRef block = NewDataBlock::make();
-    block->reserve(byteCount(totalOf(lengths), from.type));
+    block->reserve(byteCount(totalOf(lengths), own->type));
     DivisionTable divisions;
     for (std::size_t i = 0; i < n; ++i) {
         std::int64_t source = firstDivision + static_cast<std::int64_t>(have == 1 ? 0 : i);
         if (i > 0) divisions.append(block->size());
-        appendRepeated(*block.get(), from, source, shownLength(source), std::max<std::int64_t>(lengths[i], 0));
+        appendRepeated(*block.get(), *own, source, shownLength(source), std::max<std::int64_t>(lengths[i], 0));
     }
-    if (from.type == VD_STRING) block = copiedBlock(*block.get(), block->size(), 0, true);
-    VectorRep * own = unique();
+    if (own->type == VD_STRING) block = copiedBlock(*block.get(), block->size(), 0, true);
     own->replaceContents(std::move(block), own->type, std::move(divisions));
     if (have != n) own->setLabels(nullptr);
     std::int64_t shown = currentDivisionIndex();

@@ -115,6 +115,14 @@ TEST_F(BlockMemoryKeeping, TheSmallestSufficientPieceIsTaken) {
     BlockMemory::release(piece);
 }
 
+TEST_F(BlockMemoryKeeping, APieceThatShrinksDoesNotTakeALargerOne) {
+    BlockMemory::Piece piece = BlockMemory::allocate(256 * KiB);
+    freed({320 * KiB});
+    piece = BlockMemory::resize(piece, 100, 170 * KiB);
+    EXPECT_EQ(piece.bytes, 170 * KiB);
+    BlockMemory::release(piece);
+}
+
 TEST_F(BlockMemoryKeeping, APieceOfMoreThanTwiceTheSizeIsNotTaken) {
     freed({201 * KiB});
     BlockMemory::Piece piece = BlockMemory::allocate(100 * KiB);

@@ -82,12 +82,6 @@ TEST(NewDataBlock, ReadEndsWithTheBlock) {
     EXPECT_EQ(std::string_view(out, 4), "def-");
 }
 
-TEST(NewDataBlock, FreeOfABlockInMemoryAloneLosesNothing) {
-    BlockRef block = blockOf("content");
-    block->free();
-    EXPECT_EQ(textOf(block), "content");
-}
-
 TEST(NewDataBlock, ShrinkFitsTheMemoryToTheSize) {
     BlockRef block = NewDataBlock::make();
     std::string text(1000, 'x');

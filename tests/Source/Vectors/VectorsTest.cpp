@@ -379,3 +379,17 @@ TEST(VectorModel, ManyShortDivisionsAreLinearInWork) {
     std::size_t const bytes = divisions * points * 8 + divisions * 8;
     EXPECT_LT(BlockMemory::peakBytes() - before, 3 * bytes); // growth by half, old beside new
 }
+
+TEST(VectorModel, ManyDivisionsAreTakenBackOneByOneInLinearWork) {
+    constexpr std::int64_t divisions = 100000;
+    BaseVector v = realVector({0});
+    for (std::int64_t d = 1; d < divisions; ++d) {
+        v.addDivision("");
+        v.addVal(static_cast<double>(d));
+    }
+    for (std::int64_t d = divisions - 1; d > 0; --d) {
+        v.truncate(d, d);
+        ASSERT_EQ(v.numDivisions(), d);
+        ASSERT_EQ(v.getReal(0, d - 1), static_cast<double>(d - 1));
+    }
+}
