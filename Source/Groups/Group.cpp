@@ -19,7 +19,8 @@ bool nameTaken(int line) {
 } // namespace
 
 Group::Group(YString groupName, YString groupTitle, std::uint32_t groupFlags)
-    : flags(groupFlags), name(std::move(groupName)), title(std::move(groupTitle)), labels(noLabels()) {}
+    : flags(groupFlags), birth(LoosePool::clock()), name(std::move(groupName)), title(std::move(groupTitle)),
+      labels(noLabels()) {}
 
 Group::~Group() {
     end();
@@ -33,7 +34,7 @@ void Group::end() {
     NameTable<dvec *> const doomed = std::move(vectors);
     vectors.clear();
     for (auto const & entry : doomed) delete entry.second;
-    LoosePool::forgetGroup(*this);
+    LoosePool::forgetGroup(this, birth);
 }
 
 dvec * Group::find(HashedName const & vectorName) const {

@@ -64,7 +64,8 @@ private:
     friend class LoosePool;
     friend struct Group;
     Group * group = nullptr; // not owned
-    // Links of the loose pool, both null outside it.
+    // Links of the loose pool, both null outside it, and when the vector was added to it.
     dvec * poolPrevious = nullptr;
     dvec * poolNext = nullptr;
+    std::uint64_t poolTime = 0;
 };
