@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <array>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -126,6 +127,16 @@ TEST_F(Tvsh, AJsonObjectHasItsKeysInOrder) {
     EXPECT_TRUE(object["values"][0]["ref"].is_null());
 }
 
+TEST_F(Tvsh, AJsonMessageHasItsLevelFirst) {
+    Json const message = json({"nothing"}, failedExpression).at(0)["messages"].at(0);
+    EXPECT_EQ(keysOf(message), (Words{"level", "text"}));
+}
+
+TEST_F(Tvsh, JsonNumbersHaveSeventeenDigits) {
+    std::string const text = run({"eval", "--json", "0.1"}).out;
+    EXPECT_NE(text.find("[[0.10000000000000001]]"), std::string::npos) << text;
+}
+
 TEST_F(Tvsh, JsonNumbersReadBackToTheLastBit) {
     EXPECT_EQ(json({"1/3"}).at(0)["values"][0]["divisions"][0][0].get<double>(), 1.0 / 3.0);
     EXPECT_EQ(json({"0.1"}).at(0)["values"][0]["divisions"][0][0].get<double>(), 0.1);
@@ -153,6 +164,11 @@ TEST_F(Tvsh, JsonCarriesTheReferenceAndUnits) {
     EXPECT_EQ(value["ref"]["divisions"], Json::parse("[[0,1,2]]"));
 }
 
+TEST_F(Tvsh, JsonTextsAreEscapedAndAlwaysValid) {
+    EXPECT_EQ(json({"'\"\\\t'"}).at(0)["values"][0]["divisions"][0][0], "\"\\\t");
+    EXPECT_EQ(json({"'\xFF'"}).at(0)["values"][0]["divisions"][0][0], "\xEF\xBF\xBD") << "a byte that is not UTF-8";
+}
+
 TEST_F(Tvsh, AFailedExpressionTellsItsMessagesAndCode) {
     auto const objects = json({"nothing", "1+1"}, failedExpression);
     EXPECT_EQ(objects.at(0)["ok"], false);
@@ -169,6 +185,34 @@ TEST_F(Tvsh, WordsGoToStandardError) {
     EXPECT_EQ(outcome.err, "error: Cannot find vector of name 'nothing'\n");
 }
 
+TEST_F(Tvsh, AFailedAssignmentEndsTheRun) {
+    Outcome const outcome = run({"eval", "--let", "a=nothing", "1"});
+    EXPECT_EQ(outcome.status, failedExpression);
+    EXPECT_EQ(outcome.out, "");
+}
+
+TEST_F(Tvsh, AFileThatCannotBeOpenedEndsTheRun) {
+    Outcome const outcome = run({"eval", "--json", "--open", "/nonexistent/x.raw", "1"});
+    EXPECT_EQ(outcome.status, unreadable);
+    EXPECT_EQ(outcome.out, "");
+}
+
+TEST_F(Tvsh, OptionsMayStandBehindExpressions) {
+    EXPECT_EQ(run({"eval", "a/3", "--let=a=1", "--precision=3"}).out, "a/3 = 0.333\n");
+}
+
+TEST_F(Tvsh, LongVectorsAreShortened) {
+    EXPECT_EQ(run({"eval", "[1 2 3 4 5 6 7 8]"}).out, "[1, 2, 3, 4, 5, 6, 7, 8] = 1, 2, 3, 4, 5, 6, 7, 8\n");
+    Outcome const outcome = run({"eval", "--let", "v=[1 2 3 4 5 6 7 8 9]", "v*1"});
+    EXPECT_EQ(outcome.out, "v*1 = 1, 2, 3, 4, ..., 8, 9  [9 values]\n");
+}
+
+TEST_F(Tvsh, UnitsTakeThePrefixThatSuits) {
+    std::string const path = rawFile();
+    EXPECT_EQ(run({"eval", "--open", path, "out[0]/1000", "out[1]*1Meg", "out[0]*out[0]/1000"}).out,
+              "out[0]/1000 = 1.5 mV\nout[1]*1E+06 = -2 MV\nout[0]*out[0]/1000 = 0.00225 V^2\n");
+}
+
 TEST_F(Tvsh, PrecisionIsThatAskedFor) {
     EXPECT_EQ(run({"eval", "--precision", "3", "1/3"}).out, "1/3 = 0.333\n");
 }
@@ -181,7 +225,8 @@ TEST_F(Tvsh, AGroupNamesWhereToLook) {
 
 TEST_F(Tvsh, TheTypeMayBeNamed) {
     EXPECT_EQ(run({"eval", "--open", "spice3:" + rawFile(), "mean(out)"}).status, done);
-    EXPECT_EQ(run({"eval", "--open", "text:" + rawFile(), "mean(out)"}).status, unreadable);
+    for (char const * type : {"native:", "text:", "spice2:", "pspice:", "csdf:", "quadrel:"})
+        EXPECT_EQ(run({"eval", "--open", type + rawFile(), "mean(out)"}).status, unreadable) << type;
 }
 
 TEST_F(Tvsh, ListsVectorsWithKindLengthUnitAndReference) {
@@ -223,15 +268,22 @@ TEST_F(Tvsh, VersionAndHelp) {
         Outcome const outcome = run(words);
         EXPECT_EQ(outcome.status, done) << words.front();
         EXPECT_NE(outcome.out.find("Usage: tvsh"), std::string::npos) << words.front();
+        EXPECT_NE(outcome.out.find("Example: tvsh"), std::string::npos) << words.front();
     }
 }
 
 TEST_F(Tvsh, WrongUsageIsTwo) {
     for (Words const & words : {Words{"nosuch"},
+                                {"--nosuch"},
                                 {"eval"},
+                                {"eval", "-1"},
+                                {"eval", "1", "-1"},
+                                {"eval", "1", "--open"},
                                 {"eval", "--nosuch", "1"},
                                 {"list"},
+                                {"functions", "x"},
                                 {"print", "x"},
+                                {"print", "-n", "0", "x", "y"},
                                 {"eval", "--precision", "99", "1"}}) {
         Outcome const outcome = run(words);
         EXPECT_EQ(outcome.status, wrongUsage) << words.front();
@@ -248,6 +300,30 @@ TEST_F(Tvsh, AnUnreadableFileIsNamed) {
         EXPECT_EQ(outcome.status, unreadable) << path;
         EXPECT_NE(outcome.err.find(path), std::string::npos) << outcome.err;
     }
+}
+
+TEST_F(Tvsh, WhatIsNoFileIsRefusedUnread) {
+    std::string const pipe = (folder / "pipe").string();
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    for (std::string const & path : {std::string("/dev/zero"), "spice3:" + pipe, pipe}) {
+        Outcome const outcome = run({"list", path});
+        EXPECT_EQ(outcome.status, unreadable) << path;
+        EXPECT_NE(outcome.err.find("a device or a pipe"), std::string::npos) << outcome.err;
+    }
+}
+
+TEST_F(Tvsh, AHugeFileWithoutLinesIsGivenUpEarly) {
+    std::string const zeros = file("zeros.raw", "");
+    std::filesystem::resize_file(zeros, std::uintmax_t{1} << 40); // they take no room on the disk
+    Outcome const outcome = run({"list", zeros});
+    EXPECT_EQ(outcome.status, unreadable);
+    EXPECT_NE(outcome.err.find(zeros), std::string::npos) << outcome.err;
+}
+
+TEST_F(Tvsh, AListedFileThatFailsLeavesTheOthers) {
+    Outcome const outcome = run({"list", "/nonexistent/x.raw", rawFile()});
+    EXPECT_EQ(outcome.status, unreadable);
+    EXPECT_NE(outcome.out.find("Group spice3_1"), std::string::npos);
 }
 
 TEST_F(Tvsh, ABinaryRawFileIsExplained) {
@@ -275,7 +351,35 @@ TEST_F(Tvsh, PathsMayHoldAnyByte) {
 
 TEST_F(Tvsh, AnOutputThatCannotBeWrittenIsFive) {
     EXPECT_EQ(run({"eval", "1"}, ">/dev/full").status, unwritable);
+    EXPECT_EQ(run({"eval", "--json", "1"}, ">/dev/full").status, unwritable);
+    EXPECT_EQ(run({"eval", "1"}, ">&-").status, unwritable);
     EXPECT_EQ(run({"functions"}, ">/dev/full").status, unwritable);
+    EXPECT_EQ(run({"--help"}, ">/dev/full").status, unwritable);
+    EXPECT_EQ(run({"list", rawFile()}, ">/dev/full").status, unwritable);
+}
+
+// The shell makes 130 of an end by this signal.
+TEST_F(Tvsh, AnInterruptEndsIt) {
+    int input[2], words[2];
+    ASSERT_EQ(pipe(input), 0);
+    ASSERT_EQ(pipe(words), 0);
+    pid_t const child = fork();
+    if (child == 0) {
+        dup2(input[0], STDIN_FILENO);
+        dup2(words[1], STDERR_FILENO);
+        std::signal(SIGINT, SIG_DFL);
+        execl(TVSH_PROGRAM, "tvsh", nullptr);
+        _exit(127);
+    }
+    close(words[1]);
+    ASSERT_EQ(write(input[1], "nothing\n", 8), 8);
+    char said = 0;
+    EXPECT_EQ(read(words[0], &said, 1), 1) << "tvsh runs, and complains of the line";
+    ASSERT_EQ(kill(child, SIGINT), 0);
+    int code = 0;
+    ASSERT_EQ(waitpid(child, &code, 0), child);
+    EXPECT_TRUE(WIFSIGNALED(code) && WTERMSIG(code) == SIGINT) << code;
+    for (int end : {input[0], input[1], words[0]}) close(end);
 }
 
 TEST_F(Tvsh, ADecimalCommaChangesNothing) {
@@ -286,6 +390,13 @@ TEST_F(Tvsh, ADecimalCommaChangesNothing) {
 TEST_F(Tvsh, ThePromptTakesALineAtATime) {
     std::string const script = file("lines", "x=[1,2]\nx*2\nnothing\n1+1\nquit\n3\n");
     Outcome const outcome = run({}, "<" + quoted(script));
+    EXPECT_EQ(outcome.status, failedExpression) << "one of the lines failed";
     EXPECT_EQ(outcome.out, "x = 1, 2\nx*2 = 2, 4\n1+1 = 2\n");
     EXPECT_NE(outcome.err.find("Cannot find vector of name 'nothing'"), std::string::npos);
+}
+
+TEST_F(Tvsh, ThePromptOpensFilesFirst) {
+    std::string const script = file("lines", "out[2]\n");
+    EXPECT_EQ(run({"--open", rawFile()}, "<" + quoted(script)).out, "out[2] = 4 V\n");
+    EXPECT_EQ(run({"--open", "/nonexistent/x.raw"}, "<" + quoted(script)).status, unreadable);
 }

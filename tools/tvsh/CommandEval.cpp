@@ -90,8 +90,11 @@ private:
 } // namespace
 
 int runEval(Arguments const & arguments) {
-    CommandLine line("eval", "Evaluates each EXPR and prints its values.", "EXPR",
-                     "expressions, taken as they stand; after '--' they may begin with '-'");
+    CommandLine line({.command = "eval",
+                      .summary = "Evaluates each EXPR and prints its values.",
+                      .operands = "EXPR",
+                      .operandHelp = "expressions, taken as they stand; after '--' they may begin with '-'",
+                      .example = "tvsh eval --open ac.raw --let 'gain=out/in' 'db(gain[0])' 'maxidx(mag(gain))'"});
     EvalOptions options;
     declare(line, options);
     if (auto const status = line.parse(arguments)) return *status;

@@ -27,7 +27,11 @@ int listFunctions(bool json) {
 } // namespace
 
 int runFunctions(Arguments const & arguments) {
-    CommandLine line("functions", "Lists the functions that expressions may call, one name a line.", "", "");
+    CommandLine line({.command = "functions",
+                      .summary = "Lists the functions that expressions may call, one name a line.",
+                      .operands = {},
+                      .operandHelp = {},
+                      .example = "tvsh functions --json | grep '\"name\":\"phase'"});
     bool json = false;
     line.app.add_flag("--json", json, "one JSON object a line: name, minArgs, maxArgs, summary");
     if (auto const status = line.parse(arguments)) return *status;

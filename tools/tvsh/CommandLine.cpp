@@ -7,10 +7,10 @@
 #include <CLI/Formatter.hpp>
 #include <algorithm>
 
-CommandLine::CommandLine(std::string const & command, std::string const & summary, std::string const & operands,
-                         std::string const & operandHelp)
-    : app(summary, "tvsh " + command) {
-    if (!operands.empty()) app.add_option(operands, shownOperands_, operandHelp)->type_name("");
+CommandLine::CommandLine(CommandHelp const & help)
+    : app(help.summary, help.command.empty() ? "tvsh" : "tvsh " + help.command) {
+    if (!help.operands.empty()) app.add_option(help.operands, shownOperands_, help.operandHelp)->type_name("");
+    if (!help.example.empty()) app.footer("Example: " + help.example);
 }
 
 void CommandLine::addRepeated(std::string const & name, std::vector<std::string> & values, std::string const & type,
@@ -58,6 +58,8 @@ std::optional<int> CommandLine::parse(Arguments const & arguments) {
     } catch (CLI::ParseError const & problem) {
         return usageError(problem.what());
     }
+    if (!shownOperands_.empty())
+        return usageError("unexpected '" + shownOperands_.front() + "'; what begins with '-' goes behind '--'");
     return std::nullopt;
 }
 

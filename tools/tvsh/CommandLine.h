@@ -6,13 +6,20 @@
 #include <CLI/App.hpp>
 #include <optional>
 
+// What the help of a command says, besides its options.
+struct CommandHelp {
+    std::string command; // empty: tvsh itself
+    std::string summary;
+    std::string operands; // "EXPR"; empty: the command takes none
+    std::string operandHelp;
+    std::string example;
+};
+
 // Options are CLI11's, which reads values for more than they are: it splits "[1,2]" and stumbles over a leading '-'.
 // So operands never reach it, and a value goes to it glued to its option; both arrive as they stand.
 class CommandLine {
 public:
-    // `operands` and `operandHelp` are for the help text: "EXPR...", "what to evaluate".
-    CommandLine(std::string const & command, std::string const & summary, std::string const & operands,
-                std::string const & operandHelp);
+    explicit CommandLine(CommandHelp const & help);
 
     CLI::App app;
     // An option that may be given several times, each time with one value that is taken as it stands.
@@ -31,5 +38,5 @@ private:
     bool takesValue(std::string const & option) const;
 
     std::vector<std::string> operands_;
-    std::vector<std::string> shownOperands_; // what the help's operand line is bound to; never filled
+    std::vector<std::string> shownOperands_; // what the help's operand line is bound to; CLI11 puts "-1" there
 };

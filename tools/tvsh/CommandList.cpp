@@ -82,7 +82,11 @@ int listFiles(std::vector<std::string> const & files) {
 } // namespace
 
 int runList(Arguments const & arguments) {
-    CommandLine line("list", "Lists the groups and vectors of each FILE.", "FILE", fileHelp);
+    CommandLine line({.command = "list",
+                      .summary = "Lists the groups and vectors of each FILE.",
+                      .operands = "FILE",
+                      .operandHelp = fileHelp,
+                      .example = "tvsh list ac.raw spice3:startup.out"});
     if (auto const status = line.parse(arguments)) return *status;
     if (line.operands().empty()) return line.usageError("a FILE is needed");
     return finishOutput(listFiles(line.operands()));

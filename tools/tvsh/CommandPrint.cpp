@@ -102,8 +102,11 @@ int printFile(std::vector<std::string> const & operands, PrintOptions const & op
 } // namespace
 
 int runPrint(Arguments const & arguments) {
-    CommandLine line("print", "Prints values over their reference as a table. FILE is " + std::string(fileHelp) + ".",
-                     "FILE EXPR", "the file, and expressions over its vectors");
+    CommandLine line({.command = "print",
+                      .summary = "Prints values over their reference as a table.",
+                      .operands = "FILE EXPR",
+                      .operandHelp = std::string(fileHelp) + "; and expressions over its vectors",
+                      .example = "tvsh print --rows 20 startup.raw out 'l1#p' 'out*rload#p'"});
     PrintOptions options;
     line.app.add_option("-n,--rows", options.rows, "at most N rows, evenly spaced")
         ->type_name("N")

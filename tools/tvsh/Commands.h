@@ -11,7 +11,7 @@ int runEval(Arguments const & arguments);
 int runFunctions(Arguments const & arguments);
 int runList(Arguments const & arguments);
 int runPrint(Arguments const & arguments);
-int runPrompt();
+int runPrompt(std::vector<std::string> const & files); // which it opens first
 
 struct CommandRow {
     char const * name;

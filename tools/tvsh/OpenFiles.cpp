@@ -4,6 +4,9 @@
 
 #include "torvelan/ForeignData.h"
 
+#include <filesystem>
+#include <new>
+
 namespace {
 
 struct TypeRow {
@@ -21,6 +24,13 @@ struct FileArgument {
     std::string path;
 };
 
+// A pipe cannot be looked into and then read from its beginning, and a device may never end. The library tells of
+// folders and of what is missing.
+bool isPipeOrDevice(std::string const & path) {
+    std::error_code ignored;
+    return std::filesystem::is_other(path, ignored);
+}
+
 FileArgument splitArgument(std::string const & argument) {
     auto const colon = argument.find(':');
     if (colon == std::string::npos) return {nullptr, argument};
@@ -32,6 +42,7 @@ FileArgument splitArgument(std::string const & argument) {
 constexpr char const * binaryText =
     "this is a SPICE3 raw file in the binary form, and only the ASCII form can be read; "
     "give ngspice the command 'set filetype=ascii' before it writes the file";
+constexpr char const * notAFileText = "this is a device or a pipe; results are read from files only";
 constexpr char const * unknownText = "the type of this file is not recognised; SPICE3 raw files (ASCII) can be read";
 
 bool isReadable(FileArgument const & file, RawFileForm form, MessageHandler & messages) {
@@ -48,6 +59,10 @@ bool isReadable(FileArgument const & file, RawFileForm form, MessageHandler & me
 }
 
 bool openAs(FileArgument const & file, std::shared_ptr<ConsoleMessages> const & messages) {
+    if (isPipeOrDevice(file.path)) {
+        messages->error("%s", notAFileText);
+        return false;
+    }
     bool const mayBeRaw = file.type == nullptr || file.type->type == DATA_SPICE3;
     RawFileForm const form = mayBeRaw ? rawFileForm(file.path) : RawFileForm::other;
     if (!isReadable(file, form, *messages)) return false;
@@ -65,7 +80,12 @@ char const * const fileHelp = "a SPICE3 raw file (ASCII); TYPE:FILE names the ty
 bool openFile(std::string const & argument, std::shared_ptr<ConsoleMessages> const & messages) {
     FileArgument const file = splitArgument(argument);
     messages->setSubject(file.path);
-    bool const opened = openAs(file, messages);
+    bool opened = false;
+    try {
+        opened = openAs(file, messages);
+    } catch (std::bad_alloc const &) {
+        messages->error("there is not enough memory for this file");
+    }
     messages->setSubject("");
     return opened;
 }

@@ -4,6 +4,7 @@
 #include "ExitStatus.h"
 #include "LineReader.h"
 #include "NumberText.h"
+#include "OpenFiles.h"
 #include "TextOutput.h"
 
 #include "torvelan/EngineSession.h"
@@ -25,17 +26,27 @@ bool runLine(std::string const & line, YRef<MessageHandler> const & messages) {
     return evaluation.ok();
 }
 
-} // namespace
-
-int runPrompt() {
-    auto const console = std::make_shared<ConsoleMessages>();
-    EngineSession const session(console);
-    LineReader reader;
-    if (reader.isInteractive()) writeOut(std::string("tvsh ") + vec_Version() + "; 'quit' ends it\n");
+bool runLines(LineReader & reader, YRef<MessageHandler> const & messages) {
     bool ok = true;
     while (auto const line = reader.next()) {
-        if (isQuit(*line)) break;
-        if (!isBlank(*line)) ok = runLine(*line, console) && ok;
+        if (isQuit(*line)) return ok;
+        if (!isBlank(*line)) ok = runLine(*line, messages) && ok;
     }
+    if (reader.isInteractive()) writeOut("\n"); // else what follows stands behind the last prompt
+    return ok;
+}
+
+} // namespace
+
+int runPrompt(std::vector<std::string> const & files) {
+    auto const console = std::make_shared<ConsoleMessages>();
+    EngineSession const session(console);
+    for (std::string const & file : files) {
+        EngineSession::Command const command;
+        if (!openFile(file, console)) return finishOutput(exitInput);
+    }
+    LineReader reader;
+    if (reader.isInteractive()) writeOut(std::string("tvsh ") + vec_Version() + "; 'quit' ends it\n");
+    bool const ok = runLines(reader, console);
     return finishOutput(ok || reader.isInteractive() ? exitDone : exitExpression);
 }

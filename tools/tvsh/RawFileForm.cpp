@@ -3,19 +3,25 @@
 #include "torvelan/YString.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <fstream>
 
 namespace {
 
 constexpr std::size_t longestLine = 4096; // kept of a line; the words looked for stand at its front
 
-// A line without its end; what is longer is dropped.
+constexpr std::int64_t longestSkipped = std::int64_t{1} << 24; // a longer one ends the search
+
+// A line without its end, or the front of a long one.
 bool readLine(std::istream & in, std::string & line) {
     line.clear();
     constexpr int endOfFile = std::istream::traits_type::eof();
     int c;
-    while ((c = in.rdbuf()->sbumpc()) != endOfFile && c != '\n')
+    std::int64_t length = 0;
+    while ((c = in.rdbuf()->sbumpc()) != endOfFile && c != '\n') {
         if (line.size() < longestLine) line += static_cast<char>(c);
+        if (++length > longestSkipped) return false;
+    }
     return c == '\n' || !line.empty();
 }
 

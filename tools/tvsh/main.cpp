@@ -3,6 +3,7 @@
 #include "Commands.h"
 #include "Console.h"
 #include "ExitStatus.h"
+#include "OpenFiles.h"
 
 #include "torvelan/EngineSession.h"
 #include "torvelan/Exceptions.h"
@@ -22,23 +23,29 @@ std::string overview() {
     std::string text = "Commands ('tvsh COMMAND --help' tells more):\n";
     for (CommandRow const & row : rows)
         text += "  " + std::string(row.name) + std::string(12 - std::strlen(row.name), ' ') + row.summary + "\n";
-    return text + "Without a command tvsh is a prompt: each line is an expression, 'quit' ends it.\n\n"
+    return text + "Without a command tvsh is a prompt: each line is an expression, 'quit' ends it.\n"
+                  "Example: tvsh --open startup.raw\n\n"
                   "Exit status: 0 done; 1 a check that was asked for failed; 2 wrong usage; 3 an input could not be\n"
                   "read or is damaged; 4 an expression failed; 5 an output could not be written; 130 interrupted.";
 }
 
 int runTopLevel(Arguments const & arguments) {
-    CommandLine line("", "tvsh: evaluates expressions over vectors and simulation results.", "", "");
-    line.app.name("tvsh");
+    CommandLine line({.command = {},
+                      .summary = "tvsh: evaluates expressions over vectors and simulation results.",
+                      .operands = {},
+                      .operandHelp = {},
+                      .example = {}});
+    std::vector<std::string> files;
+    line.addRepeated("--open", files, "FILE", std::string("open a file ahead of the prompt: ") + fileHelp);
     line.app.set_version_flag("-V,--version", std::string("tvsh ") + vec_Version(), "show the version");
     line.app.footer(overview());
     if (auto const status = line.parse(arguments)) return *status;
-    if (line.operands().empty()) return runPrompt();
+    if (line.operands().empty()) return runPrompt(files);
     return line.usageError("there is no command '" + line.operands().front() + "'");
 }
 
 int run(Arguments arguments) {
-    if (arguments.empty()) return runPrompt();
+    if (arguments.empty()) return runPrompt({});
     for (CommandRow const & row : rows) {
         if (arguments.front() != row.name) continue;
         arguments.erase(arguments.begin());
