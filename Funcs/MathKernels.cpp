@@ -2,8 +2,8 @@
 
 #include "Funcs/MathKernels.h"
 
-#include "Evaluation/Multiversion.h"
 #include "Evaluation/VectorMath.h"
+#include "support/Multiversion.h"
 
 #include <algorithm>
 #include <cmath>

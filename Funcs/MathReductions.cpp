@@ -3,7 +3,7 @@
 #include "Funcs/MathKernels.h"
 
 #include "Evaluation/ElementBlocks.h"
-#include "Evaluation/Multiversion.h"
+#include "support/Multiversion.h"
 
 #include <algorithm>
 #include <cmath>

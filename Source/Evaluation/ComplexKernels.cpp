@@ -1,6 +1,6 @@
 #include "Evaluation/Kernels.h"
 
-#include "Evaluation/Multiversion.h"
+#include "support/Multiversion.h"
 
 #include <cmath>
 #include <cstdint>

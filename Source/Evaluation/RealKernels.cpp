@@ -1,6 +1,6 @@
 #include "Evaluation/Kernels.h"
 
-#include "Evaluation/Multiversion.h"
+#include "support/Multiversion.h"
 #include "Evaluation/VectorMath.h"
 #include "support/FaultRecord.h"
 

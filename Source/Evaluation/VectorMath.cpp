@@ -1,6 +1,6 @@
 #include "Evaluation/VectorMath.h"
 
-#include "Evaluation/Multiversion.h"
+#include "support/Multiversion.h"
 
 #include <algorithm>
 #include <cmath>

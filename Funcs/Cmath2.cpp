@@ -1,0 +1,192 @@
+// Calculus: integral and derivative of a waveform over uneven steps of x, and two ramps.
+
+#include "Funcs/FunctionFamily.h"
+#include "Funcs/Waveform.h"
+
+#include "support/Interpolate.h"
+#include "torvelan/Host.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace {
+
+MakeOption const derivAcceptFactor("DerivAcceptFactor", 1e-6, OptionPersistence::stored, __FILE__, __LINE__);
+
+// --- loops. `out` may be the memory of v.y, so an element is kept before its place is written.
+
+void integrate(double * out, Waveform const & v) {
+    double total = 0, before = v.y[0];
+    out[0] = 0;
+    for (std::int64_t i = 1; i < v.length; ++i) {
+        double const here = v.y[i];
+        out[i] = total += (here + before) * 0.5 * (v.x[i] - v.x[i - 1]);
+        before = here;
+    }
+}
+
+void average(double * out, Waveform const & v) {
+    double total = 0, before = v.y[0];
+    out[0] = 0;
+    for (std::int64_t i = 1; i < v.length; ++i) {
+        double const here = v.y[i];
+        total += (here + before) * 0.5 * (v.x[i] - v.x[i - 1]);
+        out[i] = total / (v.x[i] - v.x[0]);
+        before = here;
+    }
+}
+
+void subtractNeighbours(double * out, Waveform const & v) {
+    double before = v.y[0];
+    for (std::int64_t i = 1; i < v.length; ++i) {
+        double const here = v.y[i];
+        out[i] = here - before;
+        before = here;
+    }
+    out[0] = out[1];
+}
+
+// The sample that ends the step from `a`: the first one farther away than the threshold, or the last.
+std::int64_t stepEnd(Waveform const & v, std::int64_t a, double threshold) {
+    std::int64_t b = a + 1;
+    while (b + 1 < v.length && !(std::fabs(v.x[b] - v.x[a]) > threshold)) ++b;
+    return b;
+}
+
+// Slopes at the right ends of steps longer than the threshold; samples inside a step lie on the line between slopes.
+void slopes(double * out, Waveform const & v, double threshold) {
+    double before = v.y[0], slopeBefore = 0;
+    for (std::int64_t a = 0, b; a + 1 < v.length; a = b) {
+        b = stepEnd(v, a, threshold);
+        double const here = v.y[b], slope = (here - before) / (v.x[b] - v.x[a]);
+        if (a == 0) out[0] = slopeBefore = slope;
+        double const bend = (slope - slopeBefore) / (v.x[b] - v.x[a]);
+        for (std::int64_t j = a + 1; j < b; ++j) out[j] = bend * (v.x[j] - v.x[a]) + slopeBefore;
+        out[b] = slopeBefore = slope;
+        before = here;
+    }
+}
+
+// --- handlers
+
+FUNC_ERROR refuseUnlessWaveform(Waveform const & v, char const * name, FuncArgs const & args,
+                                MessageHandler & messages) {
+    if (v.length == 0 && args.length(0) == 0) return refuseRange(name, messages);
+    return v.hasReference() ? FUNC_OK : refuseMissingReference(args, 0, messages);
+}
+
+FUNC_ERROR integ(FuncArgs const & args, FuncResult & result, MessageHandler & messages) {
+    Waveform const v(args, 0);
+    if (FUNC_ERROR const error = refuseUnlessWaveform(v, "integ", args, messages)) return error;
+    integrate(resultLike(args, result, v.length, mult(args.physType(0), args.refPhysType(0))), v);
+    return FUNC_OK;
+}
+
+FUNC_ERROR avg(FuncArgs const & args, FuncResult & result, MessageHandler & messages) {
+    Waveform const v(args, 0);
+    if (FUNC_ERROR const error = refuseUnlessWaveform(v, "avg", args, messages)) return error;
+    average(resultLike(args, result, v.length, args.physType(0)), v);
+    return FUNC_OK;
+}
+
+double acceptedStep(Waveform const & v) {
+    double const meanStep = std::fabs(v.x[v.length - 1] - v.x[0]) / static_cast<double>(v.length - 1);
+    return meanStep * sp_GetDoubleOption("DerivAcceptFactor");
+}
+
+FUNC_ERROR diff(FuncArgs const & args, FuncResult & result, MessageHandler & messages) {
+    Waveform const v(args, 0);
+    if (v.length < 2) return refuseRange("diff", messages);
+    PhysType const type = args.physType(0);
+    if (v.hasReference())
+        slopes(resultLike(args, result, v.length, div(type, args.refPhysType(0))), v, acceptedStep(v));
+    else
+        subtractNeighbours(resultLike(args, result, v.length, type), v);
+    return FUNC_OK;
+}
+
+// --- the area between two limits
+
+struct Limit {
+    double x, y;
+    std::int64_t index; // of the sample in front
+};
+
+// False when x lies outside the waveform.
+bool findLimit(Waveform const & v, double x, Limit * limit) {
+    YList<double> ys;
+    YList<std::int64_t> indices;
+    support_FindYFromX(&ys, &indices, v.y, v.x, v.length, x, InterpOpts());
+    if (ys.empty()) return false;
+    *limit = {x, ys.front(), indices.front()};
+    return true;
+}
+
+double trapezoid(double xl, double yl, double xr, double yr) noexcept {
+    return (yl + yr) * 0.5 * (xr - xl);
+}
+
+double areaBetween(Waveform const & v, Limit const & start, Limit const & end) {
+    double total = 0, x = start.x, y = start.y;
+    for (std::int64_t i = start.index + 1; i <= end.index; ++i) {
+        total += trapezoid(x, y, v.x[i], v.y[i]);
+        x = v.x[i];
+        y = v.y[i];
+    }
+    return total + trapezoid(x, y, end.x, end.y);
+}
+
+// Refusals are silent: no result is the sign.
+FUNC_ERROR area(FuncArgs const & args, FuncResult & result, MessageHandler &) {
+    Waveform const v(args, 0);
+    if (v.length == 0 || !v.hasReference() || !v.isStrictlyMonotonic()) return FUNC_OK;
+    bool const falls = v.length > 1 && v.x[0] > v.x[1];
+    double from = numberOr(args, 1, v.x[0]), to = numberOr(args, 2, v.x[v.length - 1]);
+    bool const turned = falls ? from < to : from > to;
+    if (turned) std::swap(from, to);
+    Limit start{}, end{};
+    if (!findLimit(v, from, &start) || !findLimit(v, to, &end)) return FUNC_OK;
+    giveNumber(result, turned ? -areaBetween(v, start, end) : areaBetween(v, start, end), args.physType(0));
+    return FUNC_OK;
+}
+
+// --- ramps
+
+std::int64_t elementCount(FuncArgs const & args) {
+    return countFrom(std::fabs(numberOr(args, 0, 0)));
+}
+
+// Real elements for a handler that fills all of them, without a reference.
+double * ramp(FuncResult & result, std::int64_t n) {
+    result.setType(VD_REAL, VD_UNSET);
+    result.setPhysType(PT_NONE, PT_UNCHANGED);
+    result.allocate(n, ALLOC_HINT, n);
+    return result.data();
+}
+
+FUNC_ERROR unitvec(FuncArgs const & args, FuncResult & result, MessageHandler &) {
+    std::int64_t const n = elementCount(args);
+    if (n > 0) std::fill_n(ramp(result, n), n, 1.0);
+    return FUNC_OK;
+}
+
+FUNC_ERROR vector(FuncArgs const & args, FuncResult & result, MessageHandler &) {
+    std::int64_t const n = std::max<std::int64_t>(elementCount(args), 1);
+    double * const out = ramp(result, n);
+    for (std::int64_t i = 0; i < n; ++i) out[i] = static_cast<double>(i);
+    return FUNC_OK;
+}
+
+constexpr FunctionRow rows[] = {
+    {"area", handlerOf<area>, 1, 3, {ARG_REAL, ARG_REAL, ARG_REAL}, {}, "Area under a waveform between two x values"},
+    {"avg", handlerOf<avg>, 1, 1, {ARG_REAL}, {MULTI_EACH}, "Running average over x"},
+    {"integ", handlerOf<integ>, 1, 1, {ARG_REAL}, {MULTI_EACH}, "Running integral over x"},
+    {"diff", handlerOf<diff>, 1, 1, {ARG_REAL}, {MULTI_EACH}, "Derivative by x"},
+    {"unitvec", handlerOf<unitvec>, 1, 1, {ARG_REAL}, {}, "So many ones"},
+    {"vector", handlerOf<vector>, 1, 1, {ARG_REAL}, {}, "The numbers 0, 1, 2, ... up to a count"},
+};
+
+FunctionFamily const family(rows);
+
+} // namespace

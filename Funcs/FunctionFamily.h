@@ -1,0 +1,31 @@
+// The functions of a family as one table.
+#pragma once
+
+#include "torvelan/Functions.h"
+
+#include <span>
+
+// What most handlers need of a call, and the handler around it.
+using HandlerBody = FUNC_ERROR (*)(FuncArgs const & args, FuncResult & result, MessageHandler & messages);
+template <HandlerBody body>
+FUNC_ERROR handlerOf(FuncArgs const & args, FuncResult * result, FuncInfo *, YRef<MessageHandler>,
+                     MessageHandler & messages, ScpParseContext const &) {
+    return body(args, *result, messages);
+}
+
+struct FunctionRow {
+    static constexpr int maxArguments = 16;
+
+    char const * name;
+    FuncHandler handler;
+    int minArgs, maxArgs;
+    argType types[maxArguments]; // of the arguments that there may be
+    MultiDef multiDefs[maxArguments];
+    char const * summary;
+};
+
+// Registers each row, from a static initialiser; the table need not outlive it.
+class FunctionFamily {
+public:
+    explicit FunctionFamily(std::span<FunctionRow const> rows);
+};

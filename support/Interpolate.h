@@ -1,0 +1,33 @@
+// Polynomial interpolation, crossings of a level, and search in monotonic data.
+#pragma once
+
+#include "torvelan/Complex.h"
+#include "torvelan/Containers.h"
+
+#include <cstdint>
+
+struct InterpOpts {
+    std::uint32_t flags = 0; // first byte: all crossings of a waveform are meant, not the place in a monotonic array
+    std::int32_t order = 1;  // of the polynomial
+    int direction = 0;       // 1 rising crossings, -1 falling ones, 0 either
+    double reserved = 0.0;
+};
+
+// The polynomial of the order in the options through the order + 1 points that begin at the two pointers, at a place
+// (A. C. Aitken, On interpolation by iteration of proportional parts, 1932). Points of equal x make it infinite or NaN.
+double support_Interp(double const * y, double const * x, double at, InterpOpts const & options);
+
+// Every place where the x values pass through the target, newest first: the interpolated y goes into *ys, the index of
+// the sample in front into *indices. A piece holds its first point and not its last, but for the last piece of all. A
+// polynomial that does not stay between the samples of its piece gives way to the straight line. One point is found by
+// its own x.
+void support_FindYFromX(YList<double> * ys, YList<std::int64_t> * indices, double const * y, double const * x,
+                        std::int64_t length, double target, InterpOpts const & options);
+
+// The neighbours between which a value lies in monotonic data that rise (direction 1 or more) or fall: *lower is the
+// last index whose element is not past the value, *upper the one behind it. Outside the data one of them is -1 or
+// `length`. Complex elements go by magnitude.
+void sp_BinarySearch(double const * data, std::int64_t length, double value, std::int64_t * lower, std::int64_t * upper,
+                     int direction);
+void sp_BinarySearch(complex const * data, std::int64_t length, double value, std::int64_t * lower,
+                     std::int64_t * upper, int direction);
