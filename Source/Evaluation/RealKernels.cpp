@@ -1,8 +1,8 @@
 #include "Evaluation/Kernels.h"
 
-#include "support/Multiversion.h"
 #include "Evaluation/VectorMath.h"
 #include "support/FaultRecord.h"
+#include "support/Multiversion.h"
 
 #include <algorithm>
 #include <cmath>
