@@ -3,6 +3,7 @@
 #include "Groups/GroupStore.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -10,6 +11,16 @@ template <class Use> VEC_ERROR withGroup(Group * group, Use use) {
     if (group == nullptr) return VEC_NO_GROUP;
     use(*group);
     return VEC_OK;
+}
+
+// A caller that does not want an answer gives a null place for it.
+template <class T> void give(T * place, T value) {
+    if (place != nullptr) *place = std::move(value);
+}
+
+YString pathOfDataFile(Group const & group) {
+    if (group.dataFile != nullptr) return group.dataFile->path();
+    return group.oldStream != nullptr ? group.oldStream->path() : YString();
 }
 
 VectorInfo describe(dvec const & vector) {
@@ -42,6 +53,7 @@ VEC_ERROR vec_SetCurrentGroup(YString const & name) {
 
 VEC_ERROR vec_InstallDeleteNotifyProc(YString const & nameOrCurrent, GroupDeleteProc proc, void * arg) {
     return withGroup(findGroupOrCurrent(nameOrCurrent), [proc, arg](Group & group) {
+        if (proc == nullptr) return;
         auto & list = group.deleteNotify;
         auto const known =
             std::find_if(list.begin(), list.end(), [proc](Group::DeleteNotify const & n) { return n.proc == proc; });
@@ -89,7 +101,7 @@ VEC_ERROR vec_GetCurrentGroupTitle(YString & title) {
 }
 
 VEC_ERROR vec_GetLocalGroupName(YString * name) {
-    return withGroup(localOrGlobal(), [name](Group const & group) { *name = group.name; });
+    return withGroup(localOrGlobal(), [name](Group const & group) { give(name, group.name); });
 }
 
 VEC_ERROR vec_GetGroupTitle(YString const & nameOrCurrent, YString & title) {
@@ -106,18 +118,18 @@ VEC_ERROR vec_GetGroupInfo(YString const & nameOrCurrent, GroupInfo * info) {
     Group const * group = findGroupOrCurrent(nameOrCurrent);
     if (group == nullptr) return VEC_OK;
     bool const keep = group->runId == 0 || group->isLocal() || group->isProtected();
-    *info = {YString(), group->date, group->title, NameArray(), keep};
+    give(info, {pathOfDataFile(*group), group->date, group->title, NameArray(), keep});
     return VEC_OK;
 }
 
 void vec_GetGroups(YList<YString> * names) {
     forEachGroup([names](Group const & group) {
-        if (!group.isLocal()) names->push_back(group.name);
+        if (names != nullptr && !group.isLocal()) names->push_back(group.name);
     });
 }
 
 VEC_ERROR vec_GetGroupLabels(YString const & nameOrCurrent, NameArray * labels) {
-    return withGroup(findGroupOrCurrent(nameOrCurrent), [labels](Group const & group) { *labels = *group.labels; });
+    return withGroup(findGroupOrCurrent(nameOrCurrent), [labels](Group const & group) { give(labels, *group.labels); });
 }
 
 VEC_ERROR vec_AddGroupDivision(YString const & name, YString const & label) {
@@ -127,11 +139,12 @@ VEC_ERROR vec_AddGroupDivision(YString const & name, YString const & label) {
 
 VEC_ERROR vec_GetNumVectorsInGroup(YString const & nameOrCurrent, int * count) {
     return withGroup(findGroupOrCurrent(nameOrCurrent),
-                     [count](Group const & group) { *count = static_cast<int>(group.vectors.size()); });
+                     [count](Group const & group) { give(count, static_cast<int>(group.vectors.size())); });
 }
 
 VEC_ERROR vec_GetVectorsInGroup(YList<YString> * names, YString const & nameOrCurrent) {
     return withGroup(findGroupOrCurrent(nameOrCurrent), [names](Group const & group) {
+        if (names == nullptr) return;
         for (YString const & name : group.namesInOrder()) names->push_back(name);
     });
 }
@@ -140,7 +153,7 @@ int vec_GetVectorsInGroup(YString const & nameOrCurrent, VectorInfo * records, i
     int filled = 0;
     withGroup(findGroupOrCurrent(nameOrCurrent), [&](Group & group) {
         group.forEachVector([&](dvec const & vector) {
-            if (filled < capacity) records[filled++] = describe(vector);
+            if (records != nullptr && filled < capacity) records[filled++] = describe(vector);
         });
     });
     return filled;
@@ -149,11 +162,11 @@ int vec_GetVectorsInGroup(YString const & nameOrCurrent, VectorInfo * records, i
 // --- records that the front end keeps with a group
 
 VEC_ERROR vec_AddPostProc(YString const & name, YString const & script) {
-    return withGroup(findGroup(name), [&script](Group & group) { group.postProcessScripts.push_back(script); });
+    return withGroup(findGroup(name), [&script](Group & group) { group.addPostProcess(script); });
 }
 
 VEC_ERROR vec_GetPostProc(YString const & name, YArray<YString> * scripts) {
-    return withGroup(findGroup(name), [scripts](Group const & group) { *scripts = group.postProcessScripts; });
+    return withGroup(findGroup(name), [scripts](Group const & group) { give(scripts, group.postProcessScripts()); });
 }
 
 VEC_ERROR vec_AddTraceToGroup(YString const & name, TraceDescription const & trace) {
@@ -161,11 +174,11 @@ VEC_ERROR vec_AddTraceToGroup(YString const & name, TraceDescription const & tra
 }
 
 VEC_ERROR vec_GetTraces(YString const & name, YArray<TraceDescription> * traces) {
-    return withGroup(findGroup(name), [traces](Group const & group) { *traces = group.traces; });
+    return withGroup(findGroup(name), [traces](Group const & group) { give(traces, group.traces); });
 }
 
 VEC_ERROR vec_GetAnalysisInfo(YString const & name, AnalysisInfo * analysis) {
-    return withGroup(findGroup(name), [analysis](Group const & group) { *analysis = group.analysis; });
+    return withGroup(findGroup(name), [analysis](Group const & group) { give(analysis, group.analysis); });
 }
 
 // --- contexts

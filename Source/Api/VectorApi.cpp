@@ -1,4 +1,6 @@
-// The exported operations on vectors of groups.
+// The exported operations that find, describe and end vectors of groups.
+
+#include "torvelan/VectorStore.h"
 
 #include "Groups/GroupStore.h"
 #include "Groups/LoosePool.h"
@@ -40,43 +42,52 @@ dvec * findForDeletion(YString const & name, MessageHandler & messages) {
     return split.hasGroup ? findQualifiedForDeletion(split, name, messages) : findPlainForDeletion(name, messages);
 }
 
-// --- reference aliases
-
-constexpr int maxAliasSteps = 100;
-
-// The vector at the end of a chain of reference aliases. Null when the chain leads nowhere or, with a message, in a
-// circle.
-dvec * endOfAliases(dvec * vector, YString const & target, MessageHandler & messages) {
-    for (int step = 0; vector != nullptr && vector->isReferenceAlias(); ++step) {
-        dvec * next = vector->resolveReferenceAlias();
-        if (next == vector || step == maxAliasSteps) {
-            messages.error("Reference alias '%s' is recursive", target);
-            return nullptr;
-        }
-        vector = next;
-    }
-    return vector;
-}
-
 } // namespace
 
 VEC_ERROR vec_GetVector(YString const & group, YString const & name, XYVector ** out) {
-    *out = nullptr;
-    if (group.empty()) {
-        *out = findVector(name, nullptr, false);
-    } else {
-        Group const * home = findGroup(group);
-        if (home == nullptr) return VEC_NO_GROUP;
-        *out = home->find(name);
-    }
-    return *out != nullptr ? VEC_OK : VEC_NO_VECTOR;
+    if (out != nullptr) *out = nullptr;
+    Group const * home = group.empty() ? nullptr : findGroup(group);
+    if (home == nullptr && !group.empty()) return VEC_NO_GROUP;
+    dvec * vector = home != nullptr ? home->find(name) : findVector(name, nullptr, false);
+    if (out != nullptr) *out = vector;
+    return vector != nullptr ? VEC_OK : VEC_NO_VECTOR;
+}
+
+VEC_ERROR vec_ExistVec(YString const & name, bool * exists, VectorExtInfo * info) {
+    dvec const * vector = findVector(name, nullptr, false);
+    if (exists != nullptr) *exists = vector != nullptr;
+    if (info != nullptr) info->isAlias = vector != nullptr && vector->isAlias();
+    return VEC_OK;
+}
+
+VEC_ERROR vec_GetVectorLength(YString const & name, long long * out) {
+    dvec const * vector = findVector(name, nullptr, false);
+    if (out != nullptr) *out = vector != nullptr ? vector->length() : -1;
+    return VEC_OK;
 }
 
 VEC_ERROR vec_GetVectorPseudonym(YString const & group, YString const & name, YString * pseudonym) {
     Group * home = findGroupOrCurrent(group);
     if (home == nullptr) return VEC_NO_GROUP;
-    *pseudonym = home->pseudonymOf(name);
+    if (pseudonym != nullptr) *pseudonym = home->pseudonymOf(name);
     return VEC_OK;
+}
+
+VEC_ERROR vec_GetXYVectorAsString(XYVector * vector, YArray<YString> * out) {
+    if (vector == nullptr || !vector->isString()) return VEC_OTHER_KIND;
+    if (out == nullptr) return VEC_OK;
+    out->clear();
+    out->reserve(static_cast<std::size_t>(vector->length(0)));
+    for (std::int64_t i = 0; i < vector->length(0); ++i) {
+        char const * element = vector->getString(i, 0);
+        out->emplace_back(element != nullptr ? element : "");
+    }
+    return VEC_OK;
+}
+
+bool vec_TestVectorUsesReference(XYVector const * y, YString const & group, YString const & name) {
+    dvec const * vector = findIn(findGroupOrCurrent(group), name);
+    return y != nullptr && vector != nullptr && y->ref.sharesRep(*vector);
 }
 
 VEC_ERROR vec_DestroyVector(YString const & name, MessageHandler & messages, bool direct) {
@@ -90,20 +101,6 @@ VEC_ERROR vec_DestroyVector(YString const & name, MessageHandler & messages, boo
         vector->release();
     else
         vector->leaveGroup();
-    return VEC_OK;
-}
-
-VEC_ERROR vec_MakeReferenceAlias(YString const & name, YString const & target, MessageHandler & messages) {
-    dvec const * last = endOfAliases(findVector(target, nullptr, false), target, messages);
-    Group * home = localOrGlobal();
-    if (last == nullptr || last->isTemporary() || home == nullptr) return VEC_NOT_DONE;
-    auto * alias = new dvec(name, last->fullName(), home, last->physType());
-    alias->enterGroup();
-    if (alias->isTemporary()) {
-        alias->release();
-        return VEC_NOT_DONE;
-    }
-    alias->flags |= VF_ALIAS | VF_REFALIAS;
     return VEC_OK;
 }
 

@@ -24,6 +24,7 @@ Group::Group(YString groupName, YString groupTitle, std::uint32_t groupFlags)
 
 Group::~Group() {
     end();
+    if (dataFile != nullptr && dataFileTemporary && !keepDataFile) dataFile->deleteWhenClosed();
 }
 
 void Group::end() {
@@ -34,6 +35,7 @@ void Group::end() {
     NameTable<dvec *> const doomed = std::move(vectors);
     vectors.clear();
     for (auto const & entry : doomed) delete entry.second;
+    oldStream.reset();
     LoosePool::forgetGroup(this, birth);
 }
 
@@ -81,6 +83,19 @@ void Group::forEachVector(std::function<void(dvec &)> const & visit) {
 void Group::addLabel(YString const & label) {
     if (labels.use_count() > 1) labels = std::make_shared<NameArray>(*labels);
     labels->push_back(label);
+    if (dataFile != nullptr && labelStream > 0) dataFile->appendText(labelStream, label);
+}
+
+void Group::addPostProcess(YString const & script) {
+    if (dataFile != nullptr && postProcStream > 0 && dataFile->appendText(postProcStream, script)) return;
+    postProcPending.push_back(script);
+}
+
+YArray<YString> Group::postProcessScripts() const {
+    YArray<YString> scripts;
+    if (dataFile != nullptr && postProcStream > 0) dataFile->readTexts(postProcStream, &scripts);
+    scripts.insert(scripts.end(), postProcPending.begin(), postProcPending.end());
+    return scripts;
 }
 
 YString Group::pseudonymOf(YString const & vectorName) {

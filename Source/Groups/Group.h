@@ -1,12 +1,14 @@
 // Group: one named set of vectors, normally the result of one run or one opened file.
 #pragma once
 
+#include "Groups/GroupDataFile.h"
 #include "torvelan/Groups.h"
 #include "torvelan/dvec.h"
 
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <unordered_map>
 
 // A name with its hash, for looking it up in several tables.
@@ -58,9 +60,11 @@ struct Group {
     // Visits the vectors in name order. The callback may delete any vector.
     void forEachVector(std::function<void(dvec &)> const & visit);
 
-    void addLabel(YString const & label); // of the next division
-    // Runs the delete notifications, then deletes every vector, read-only or not. The group is empty and only waits
-    // to be deleted afterwards.
+    void addLabel(YString const & label);        // of the next division; also to the data file
+    void addPostProcess(YString const & script); // to the data file, or to wait for one
+    YArray<YString> postProcessScripts() const;  // of the data file, and those that wait
+    // Runs the delete notifications, deletes every vector, read-only or not, and closes a file of the older format. The
+    // group is empty and only waits to be deleted afterwards; its temporary data file goes then.
     void end();
 
     // The pseudonym of a vector, made when it has none; a name that exists in no form is returned itself.
@@ -91,9 +95,15 @@ struct Group {
         void * arg;
     };
     YList<DeleteNotify> deleteNotify;
-    bool keepDataFile = false;
+    std::int32_t labelStream = 0;    // of the data file, 0 if none
+    std::int32_t postProcStream = 0; // of the data file, 0 if none
+    std::unique_ptr<OlderDataFile> oldStream;
+    YRef<GroupDataFile> dataFile;
+    YArray<YString> linkedFiles;    // paths of files that are to continue this group
+    bool keepDataFile = false;      // the file outlives the group even if temporary
+    bool dataFileTemporary = false; // the file goes with the group
     YArray<TraceDescription> traces;
-    YArray<YString> postProcessScripts;
+    YArray<YString> postProcPending; // post-process scripts that are not in the data file
     AnalysisInfo analysis;
     bool hasRealData = false; // has a "$$RunId", or a restored vector with a reference
 };

@@ -51,6 +51,22 @@ void setRunId(Group * group, std::uint32_t runId); // of a group that may be lis
 std::uint32_t newRunId();                          // strictly rising
 bool anyGroupHasRealData() noexcept;
 
+// Continues the vectors of a group with those of the same names of another, whose data file is linked into that of the
+// first. Nothing happens unless there are two files. The source stays.
+void appendGroup(Group & target, Group & source);
+// Replaces what may be replaced of a group, and its labels, by copies of the vectors and by the labels of another.
+void mergeGroup(Group & destination, Group & source);
+
+// The data file that a run is to have. An empty path means a new one for temporary data.
+struct SimulationFile {
+    bool wanted = false;
+    YString path;
+    bool temporary = false; // goes with the group
+};
+// Makes a group ready for a run, and current. The answer is that of making the file.
+VEC_ERROR initialiseRun(Group & group, SimulationFile const & file, YRef<MessageHandler> const & messages,
+                        YString * path);
+
 // A new local context on top of the stack; its end, with all its vectors. Calls are balanced by the caller.
 Group * pushContext();
 void popContext();

@@ -215,6 +215,10 @@ bool BaseVector::readComplexBlock(complex * dest, std::int64_t count, std::uint6
     return readBlock(record(), VD_COMPLEX, at, dest, count);
 }
 
+void const * BaseVector::dataIdentity() const noexcept {
+    return rep != nullptr && !rep->isUntouched() ? rep : nullptr;
+}
+
 bool BaseVector::sharesRep(BaseVector const & other) const noexcept {
     return this == &other || (rep && rep == other.rep && !rep->isUntouched());
 }

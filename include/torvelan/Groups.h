@@ -1,5 +1,5 @@
 // The group store: named sets of vectors, their contexts and collections. An empty group name stands for the current
-// group where a comment says "name or current".
+// group where a comment says "name or current". Pointers to what is to be filled may be null.
 #pragma once
 
 #include "torvelan/Containers.h"
@@ -89,6 +89,22 @@ TORVELAN_API VEC_ERROR vec_DestroyGroup(YString const & name, bool keepDataFile)
 TORVELAN_API VEC_ERROR vec_DestroyAllGroups();
 TORVELAN_API VEC_ERROR vec_FixGroup(YString const & name); // fits memory to size; VEC_OK also when unknown
 
+// --- data files: a group of a run writes into one; other groups may be backed by the file that they were read from
+// Makes a group ready for a run: it becomes the current one, gets a new data file if asked (a name of the temporary
+// directory when `dataFile` is empty, handed out in *path), and its "$prev" and "$this" links to groups are resolved.
+// VEC_NO_GROUP, or how the making of the file ended: VEC_OK, VEC_HAS_DATA_FILE, VEC_NO_DATA_FILE,
+// VEC_BOOT_RECORD_FAILED. A `temporary` file goes with the group. `reserved` is not used; `path` may be null.
+TORVELAN_API VEC_ERROR vec_InitialiseSimulationGroup(bool createDataFile, YString const & dataFile,
+                                                     YString const & groupName, bool temporary, bool reserved,
+                                                     YRef<MessageHandler> messages, YString * path);
+TORVELAN_API VEC_ERROR vec_DataSent(YString const & name, bool unused); // what was appended reaches the file
+TORVELAN_API VEC_ERROR vec_LinkDatafile(YString const & name, YString const & path); // queues a file
+// Opens each queued file, appends its group to the named one and ends it; files that do not open are passed over.
+TORVELAN_API VEC_ERROR vec_AppendLinkedDatafiles(YString const & name);
+// Continues the vectors of one group with those of the same names of another, file to file; the source group stays.
+// VEC_NO_GROUP unless both exist; VEC_OK, and nothing happens, unless both have data files.
+TORVELAN_API VEC_ERROR vec_AppendGroup(YString const & target, YString const & source, YRef<MessageHandler> messages);
+
 // --- contexts: each script procedure has its own local variables
 TORVELAN_API VEC_ERROR vec_PushContext();
 TORVELAN_API VEC_ERROR vec_PopContext(); // pushes and pops are balanced by the caller
@@ -99,12 +115,3 @@ TORVELAN_API VEC_ERROR vec_CloseCollection();
 TORVELAN_API VEC_ERROR vec_GetCollectionName(YString const & nameOrCurrent, YString & collection);
 // Groups of the current group's collection, oldest first, pushed on the front of `names`.
 TORVELAN_API VEC_ERROR vec_GetGroupsInCollection(YList<YString> * names, bool * flag);
-
-// --- vectors
-TORVELAN_API VEC_ERROR vec_GetVector(YString const & group, YString const & name, XYVector ** out);
-TORVELAN_API VEC_ERROR vec_GetVectorPseudonym(YString const & group, YString const & name, YString * pseudonym);
-// VEC_NOT_DONE when not destroyed, with a message. `direct` deletes at once, otherwise the vector waits in the pool.
-TORVELAN_API VEC_ERROR vec_DestroyVector(YString const & name, MessageHandler & messages, bool direct);
-// A new reference alias, in the local group, of the vector that `target` names; VEC_NOT_DONE when that cannot be.
-TORVELAN_API VEC_ERROR vec_MakeReferenceAlias(YString const & name, YString const & target, MessageHandler & messages);
-TORVELAN_API void vec_CollectGarbage(); // ends the temporaries

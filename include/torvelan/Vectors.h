@@ -134,6 +134,9 @@ public:
     // Both show the same data: the same record and view, or equal elements in the current divisions.
     bool sameData(BaseVector const & other) const;
     bool sharesRep(BaseVector const & other) const noexcept; // the very same record
+    // Equal for vectors that share a record, and for no others while they live. Null when there has never been any
+    // data.
+    void const * dataIdentity() const noexcept;
     // The divisions of both whole views start at the same element numbers. O(1) when the tables are one.
     bool sameDivisions(BaseVector const & other) const noexcept;
     // No division shown has length 0.

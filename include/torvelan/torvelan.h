@@ -14,6 +14,7 @@
 #include "torvelan/PhysType.h"
 #include "torvelan/ResultCodes.h"
 #include "torvelan/Substitution.h"
+#include "torvelan/VectorStore.h"
 #include "torvelan/Vectors.h"
 #include "torvelan/YString.h"
 #include "torvelan/dvec.h"

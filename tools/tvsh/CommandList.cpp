@@ -7,6 +7,7 @@
 
 #include "torvelan/EngineSession.h"
 #include "torvelan/Groups.h"
+#include "torvelan/VectorStore.h"
 
 namespace {
 

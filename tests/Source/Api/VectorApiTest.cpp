@@ -1,3 +1,5 @@
+#include "torvelan/VectorStore.h"
+
 #include "Source/Groups/StoreFixture.h"
 
 namespace {

@@ -8,6 +8,7 @@
 #include "torvelan/ForeignData.h"
 #include "torvelan/Functions.h"
 #include "torvelan/Substitution.h"
+#include "torvelan/VectorStore.h"
 
 #include <cstdlib>
 #include <gmock/gmock.h>

@@ -1,0 +1,52 @@
+// A group that is about to receive a run.
+
+#include "Groups/GroupStore.h"
+
+namespace {
+
+VEC_ERROR createDataFile(Group & group, YString const & path, bool temporary, YRef<MessageHandler> const & messages) {
+    if (group.dataFile != nullptr) return VEC_HAS_DATA_FILE;
+    auto const create = dataFileMakers().create;
+    VEC_ERROR const answer = create != nullptr ? create(group, path, messages) : VEC_NO_DATA_FILE;
+    if (answer == VEC_OK) group.dataFileTemporary = temporary;
+    return answer;
+}
+
+YString temporaryName(Group const & group) {
+    auto const make = dataFileMakers().temporaryName;
+    return make != nullptr ? make(group.name) : YString();
+}
+
+Group const * previousRun(Group const & group) noexcept {
+    Group const * earlier = group.next;
+    while (earlier != nullptr && (earlier->isLocal() || earlier->isProtected())) earlier = earlier->next;
+    return earlier;
+}
+
+// A vector of the group that names a group in words gets the group's name. The first of all runs keeps the words, also
+// those for itself.
+void nameGroupMeant(Group & group, std::string_view vectorName) {
+    dvec * vector = group.find(vectorName);
+    char const * value = vector != nullptr ? vector->getString(0) : nullptr;
+    Group const * previous = value != nullptr ? previousRun(group) : nullptr;
+    if (previous == nullptr) return;
+    std::string_view const words = value;
+    if (words == "$prev") vector->setString(previous->name.c_str(), 0);
+    if (words == "$this") vector->setString(group.name.c_str(), 0);
+}
+
+} // namespace
+
+VEC_ERROR initialiseRun(Group & group, SimulationFile const & file, YRef<MessageHandler> const & messages,
+                        YString * path) {
+    nameSpace().current = &group;
+    VEC_ERROR answer = VEC_OK;
+    if (file.wanted) {
+        YString const name = file.path.empty() ? temporaryName(group) : file.path;
+        if (path != nullptr) *path = name;
+        answer = createDataFile(group, name, file.temporary, messages);
+    }
+    nameGroupMeant(group, "DCopGroup");
+    nameGroupMeant(group, "POPGroup");
+    return answer;
+}
