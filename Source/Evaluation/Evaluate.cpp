@@ -215,7 +215,7 @@ VEC_ERROR vec_GetNumericVector(YString const & group, YString const & name, XYVe
     dvec * resolved = nullptr;
     if (messages == nullptr) messages = context.messages();
     if (vector == nullptr || !resolveVector(vector, &resolved, messages, context)) return VEC_NO_VECTOR;
-    *out = resolved;
+    if (out != nullptr) *out = resolved;
     return VEC_OK;
 }
 

@@ -12,7 +12,7 @@ public:
     Continuation(Group const & target_, int linkIndex_) : target(target_), linkIndex(linkIndex_) {}
 
     void append(dvec const & from) {
-        if (from.name() == "$$RunId") return;
+        if (equalNoCase(from.name(), "$$RunId")) return;
         auto const to = target.vectors.find(from.name());
         if (to == target.vectors.end()) return;
         appendData(*to->second, from);

@@ -127,85 +127,85 @@ TEST_F(VectorApiTest, DeletionWithoutSpecialGroups) {
     expectRefused("x", "You must specify the group name explicitly to delete\na vector not in the  group.");
 }
 
-TEST_F(VectorApiTest, ReferenceAliasNamesItsTarget) {
+TEST_F(VectorApiTest, ExistenceIsThatOfTheSearchOfExpressions) {
+    nameSpace().current = makeGroup("", "va", 0);
+    member(nameSpace().current, "only");
+    stringMember(nameSpace().global, "alias", "1+1")->flags |= VF_ALIAS;
+    struct Case {
+        char const * name;
+        bool exists, isAlias;
+    };
+    for (Case const & c : {Case{"pi", true, false}, Case{"ONLY", true, false}, Case{":only", true, false},
+                           Case{"global:only", false, false}, Case{"alias", true, true},
+                           Case{"global:alias", true, true}, Case{"nothing", false, false}, Case{"", false, false}}) {
+        bool exists = !c.exists;
+        VectorExtInfo info{!c.isAlias};
+        EXPECT_EQ(vec_ExistVec(c.name, &exists, &info), VEC_OK);
+        EXPECT_EQ(exists, c.exists) << c.name;
+        EXPECT_EQ(info.isAlias, c.isAlias) << c.name;
+    }
+    EXPECT_EQ(vec_ExistVec("pi", nullptr, nullptr), VEC_OK);
+}
+
+TEST_F(VectorApiTest, LengthIsThatOfTheCurrentDivision) {
+    auto * vector = member(nameSpace().global, "v", 1);
+    vector->addVal(2.0);
+    vector->addDivision("");
+    vector->addVal(3.0);
+    long long length = 0;
+    EXPECT_EQ(vec_GetVectorLength("v", &length), VEC_OK);
+    EXPECT_EQ(length, 2);
+    vector->setDivision(1);
+    EXPECT_EQ(vec_GetVectorLength("global:v", &length), VEC_OK);
+    EXPECT_EQ(length, 1);
+    EXPECT_EQ(vec_GetVectorLength("missing", &length), VEC_OK);
+    EXPECT_EQ(length, -1);
+    EXPECT_EQ(vec_GetVectorLength("v", nullptr), VEC_OK);
+}
+
+TEST_F(VectorApiTest, StringsOfTheFirstDivision) {
+    auto * vector = stringMember(nameSpace().global, "s", "one");
+    vector->setSize(3, VD_STRING);
+    vector->setString("one", 0);
+    vector->setString("%s", 2);
+    YArray<YString> texts = {"old"};
+    EXPECT_EQ(vec_GetXYVectorAsString(vector, &texts), VEC_OK);
+    EXPECT_THAT(texts, testing::ElementsAre(YString("one"), YString(""), YString("%s")));
+    EXPECT_EQ(vec_GetXYVectorAsString(vector, nullptr), VEC_OK);
+    EXPECT_EQ(vec_GetXYVectorAsString(member(nameSpace().global, "r"), &texts), VEC_OTHER_KIND);
+    EXPECT_EQ(vec_GetXYVectorAsString(nullptr, &texts), VEC_OTHER_KIND);
+    EXPECT_EQ(texts.size(), 3U);
+}
+
+TEST_F(VectorApiTest, StringsOfTheFirstDivisionWhicheverIsCurrent) {
+    auto * vector = stringMember(nameSpace().global, "s", "one");
+    vector->expandTo({1, 2});
+    ASSERT_EQ(vector->numDivisions(), 2);
+    vector->setDivision(1);
+    YArray<YString> texts;
+    EXPECT_EQ(vec_GetXYVectorAsString(vector, &texts), VEC_OK);
+    EXPECT_EQ(texts.size(), 1U);
+}
+
+TEST_F(VectorApiTest, ReferenceIsTheSameDataNotEqualData) {
     Group * group = makeGroup("", "va", 0);
-    member(group, "x", 1)->setPhysType(PT_VOLTAGE);
-    YString const target = YString::joined(group->name, {":X"});
-    EXPECT_EQ(vec_MakeReferenceAlias("alias", target, messages), VEC_OK);
-    dvec const * alias = nameSpace().global->find("alias");
-    ASSERT_NE(alias, nullptr);
-    EXPECT_EQ(alias->flags, VF_ALIAS | VF_REFALIAS | VF_INGROUP);
-    EXPECT_EQ(text(group->name) + ":x", alias->getString(0));
-    EXPECT_EQ(alias->physType(), PT_VOLTAGE);
-    EXPECT_EQ(alias->resolveReferenceAlias(), group->find("x"));
-}
-
-TEST_F(VectorApiTest, ReferenceAliasStandsInTheLocalGroup) {
-    member(nameSpace().global, "x", 1);
-    Group * context = pushContext();
-    EXPECT_EQ(vec_MakeReferenceAlias("alias", "x", messages), VEC_OK);
-    ASSERT_NE(context->find("alias"), nullptr);
-    EXPECT_STREQ(context->find("alias")->getString(0), "global:x");
-    nameSpace().local = nullptr;
-    EXPECT_EQ(vec_MakeReferenceAlias("second", "x", messages), VEC_OK);
-    EXPECT_NE(nameSpace().global->find("second"), nullptr);
-    nameSpace().local = context;
-    popContext();
-}
-
-TEST_F(VectorApiTest, ReferenceAliasOfAnAliasNamesTheFinalTarget) {
-    Group * group = makeGroup("", "va", 0);
-    member(group, "x", 1);
-    vec_MakeReferenceAlias("one", YString::joined(group->name, {":x"}), messages);
-    vec_MakeReferenceAlias("two", "one", messages);
-    EXPECT_EQ(text(group->name) + ":x", nameSpace().global->find("two")->getString(0));
-}
-
-TEST_F(VectorApiTest, ReferenceAliasOfNothing) {
-    EXPECT_EQ(vec_MakeReferenceAlias("alias", "nothing", messages), VEC_NOT_DONE);
-    EXPECT_EQ(vec_MakeReferenceAlias("alias", "nowhere:x", messages), VEC_NOT_DONE);
-    member(nameSpace().global, "x", 1);
-    vec_MakeReferenceAlias("broken", "x", messages);
-    nameSpace().global->find("x")->release();
-    EXPECT_EQ(vec_MakeReferenceAlias("alias", "broken", messages), VEC_NOT_DONE);
-    EXPECT_TRUE(messages.texts.empty());
-    EXPECT_EQ(nameSpace().global->find("alias"), nullptr);
-}
-
-TEST_F(VectorApiTest, ReferenceAliasOfItselfIsRecursive) {
-    auto * circle = stringMember(nameSpace().global, "circle", "circle");
-    circle->flags |= VF_ALIAS | VF_REFALIAS;
-    EXPECT_EQ(vec_MakeReferenceAlias("alias", "circle", messages), VEC_NOT_DONE);
-    EXPECT_EQ(messages.texts, Texts{"Reference alias 'circle' is recursive"});
-    EXPECT_EQ(nameSpace().global->find("alias"), nullptr);
-}
-
-TEST_F(VectorApiTest, CircleOfReferenceAliasesIsRecursive) {
-    for (auto const & [name, target] : {std::pair("a", "b"), std::pair("b", "c"), std::pair("c", "a")})
-        stringMember(nameSpace().global, name, target)->flags |= VF_ALIAS | VF_REFALIAS;
-    EXPECT_EQ(vec_MakeReferenceAlias("alias", "b", messages), VEC_NOT_DONE);
-    EXPECT_EQ(messages.texts, Texts{"Reference alias 'b' is recursive"});
-}
-
-TEST_F(VectorApiTest, ChainOfAHundredStepsIsFollowedAndNoLongerOne) {
-    member(nameSpace().global, "link0", 1);
-    for (int i = 1; i <= 101; ++i)
-        stringMember(nameSpace().global, ("link" + std::to_string(i)).c_str(), ("link" + std::to_string(i - 1)).c_str())
-            ->flags |= VF_ALIAS | VF_REFALIAS;
-    EXPECT_EQ(vec_MakeReferenceAlias("fits", "link100", messages), VEC_OK);
-    EXPECT_STREQ(nameSpace().global->find("fits")->getString(0), "global:link0");
-    EXPECT_EQ(vec_MakeReferenceAlias("long", "link101", messages), VEC_NOT_DONE);
-    EXPECT_EQ(messages.texts, Texts{"Reference alias 'link101' is recursive"});
-}
-
-TEST_F(VectorApiTest, ReferenceAliasUnderATakenNameIsNotMade) {
-    auto * old = member(nameSpace().global, "taken", 1);
-    member(nameSpace().global, "x", 2);
-    std::size_t const before = LoosePool::count();
-    EXPECT_EQ(vec_MakeReferenceAlias("taken", "x", messages), VEC_NOT_DONE);
-    expectInternalError("Source\\plots");
-    EXPECT_EQ(nameSpace().global->find("taken"), old);
-    EXPECT_EQ(LoosePool::count(), before);
+    auto * x = member(group, "x", 1);
+    auto * y = member(group, "y", 2);
+    member(group, "equal", 1);
+    y->ref = *x;
+    EXPECT_TRUE(vec_TestVectorUsesReference(y, group->name, "X"));
+    EXPECT_FALSE(vec_TestVectorUsesReference(y, group->name, "equal"));
+    EXPECT_FALSE(vec_TestVectorUsesReference(y, group->name, "y"));
+    EXPECT_FALSE(vec_TestVectorUsesReference(y, group->name, "missing"));
+    EXPECT_FALSE(vec_TestVectorUsesReference(y, "nowhere", "x"));
+    EXPECT_FALSE(vec_TestVectorUsesReference(nullptr, group->name, "x"));
+    EXPECT_FALSE(vec_TestVectorUsesReference(y, "", "x"));
+    nameSpace().current = group;
+    EXPECT_TRUE(vec_TestVectorUsesReference(y, "", "x"));
+    // Vectors that have never held data share nothing.
+    auto * empty = new dvec("empty", group, PT_UNKNOWN);
+    empty->enterGroup();
+    EXPECT_FALSE(vec_TestVectorUsesReference(new dvec("other", group, PT_UNKNOWN), group->name, "empty"));
 }
 
 } // namespace
