@@ -57,6 +57,7 @@ public:
 private:
     static constexpr int level = 2; // the last piece reaches the target without a slope
 
+    bool searchesWaveform() const noexcept { return (opts.flags & 0xFF) != 0; }
     bool isWanted(int way) const noexcept { return way != 0 && (opts.direction == 0 || opts.direction == way); }
     int lastDirection() const noexcept {
         if (length < 2 || x[length - 1] == x[length - 2]) return level;
@@ -66,8 +67,8 @@ private:
         if (x[i] == target) return y[i];
         std::int64_t const first = std::clamp<std::int64_t>(i - (opts.order - 1) / 2, 0, length - 1 - opts.order);
         double const value = support_Interp(y + first, x + first, target, opts);
-        return isBetween(value, y[i], y[i + 1]) ? value
-                                                : y[i] + (y[i + 1] - y[i]) * ((target - x[i]) / (x[i + 1] - x[i]));
+        bool const fits = searchesWaveform() ? isBetween(value, y[i], y[i + 1]) : std::isfinite(value);
+        return fits ? value : y[i] + (y[i + 1] - y[i]) * ((target - x[i]) / (x[i + 1] - x[i]));
     }
 
     double const * y;

@@ -7,9 +7,11 @@
 #include <cstdint>
 
 struct InterpOpts {
-    std::uint32_t flags = 0; // first byte: all crossings of a waveform are meant, not the place in a monotonic array
-    std::int32_t order = 1;  // of the polynomial
-    int direction = 0;       // 1 rising crossings, -1 falling ones, 0 either
+    // First byte: all crossings of a level by a waveform are meant, with the two sides exchanged, not one place among
+    // monotonic x. What is found then stays between the samples of its piece.
+    std::uint32_t flags = 0;
+    std::int32_t order = 1; // of the polynomial
+    int direction = 0;      // 1 rising crossings, -1 falling ones, 0 either
     double reserved = 0.0;
 };
 
@@ -19,8 +21,8 @@ double support_Interp(double const * y, double const * x, double at, InterpOpts 
 
 // Every place where the x values pass through the target, newest first: the interpolated y goes into *ys, the index of
 // the sample in front into *indices. A piece holds its first point and not its last, but for the last piece of all. A
-// polynomial that does not stay between the samples of its piece gives way to the straight line. One point is found by
-// its own x.
+// polynomial that is not finite, or leaves a piece that it has to stay in, gives way to the straight line. One point is
+// found by its own x.
 void support_FindYFromX(YList<double> * ys, YList<std::int64_t> * indices, double const * y, double const * x,
                         std::int64_t length, double target, InterpOpts const & options);
 

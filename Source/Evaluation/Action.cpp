@@ -18,10 +18,11 @@ void dropTexts(ExprValue * first) noexcept {
 }
 
 // Runs a call whose text is known already.
-ExprValue * call(ParseState & state, FuncInfo & info, ExprValue * arguments, YString text) {
+ExprValue * call(ParseState & state, FuncInfo & info, YString const & calledName, ExprValue * arguments, YString text) {
     ExprValue * result = EvaluationDepth::newValue();
     result->text = std::move(text);
-    if (state.substitution == nullptr && callFunction(info, arguments, *result, state) == nullptr) result = nullptr;
+    if (state.substitution == nullptr && callFunction(info, calledName, arguments, *result, state) == nullptr)
+        result = nullptr;
     dropTexts(arguments);
     return result;
 }
@@ -86,7 +87,7 @@ ExprValue * binaryOperator(ParseState & state, ExprValue * left, int token, Expr
     YString text = YString::joined(left->text, {row->spelling, right->text.view()});
     left->next = right;
     right->next = nullptr;
-    return call(state, row->info, left, std::move(text));
+    return call(state, row->info, row->info.name, left, std::move(text));
 }
 
 ExprValue * unaryOperator(ParseState & state, int token, ExprValue * operand) {
@@ -94,7 +95,7 @@ ExprValue * unaryOperator(ParseState & state, int token, ExprValue * operand) {
     OperatorRow * row = findOperator(token);
     YString text = YString::joined(row->spelling, {operand->text.view()});
     operand->next = nullptr;
-    return call(state, row->info, operand, std::move(text));
+    return call(state, row->info, row->info.name, operand, std::move(text));
 }
 
 ExprValue * parenthesise(ExprValue * value) {
@@ -149,7 +150,7 @@ ExprValue * functionCall(ParseState & state, Token const * name, ExprValue * arg
         state.messages().error("The function '%s' does not exist", name->text);
         return nullptr;
     }
-    return call(state, *info, arguments, std::move(text));
+    return call(state, *info, name->text, arguments, std::move(text));
 }
 
 ExprValue * emptyArguments() {

@@ -91,8 +91,8 @@ struct DivisionGuard {
 
 class Call {
 public:
-    Call(FuncInfo & function, ParseState & parseState, int count)
-        : info(function), state(parseState), messages(parseState.messages()), args(function.name) {
+    Call(FuncInfo & function, YString const & calledName, ParseState & parseState, int count)
+        : info(function), state(parseState), messages(parseState.messages()), args(calledName) {
         args.setNumArgs(count);
     }
 
@@ -201,14 +201,15 @@ bool Call::admitDivisions(int i, std::int64_t n) {
 
 } // namespace
 
-dvec * callFunction(FuncInfo & info, ExprValue * arguments, ExprValue & resultValue, ParseState & state) {
+dvec * callFunction(FuncInfo & info, YString const & calledName, ExprValue * arguments, ExprValue & resultValue,
+                    ParseState & state) {
     resultValue.vector = nullptr;
     int const count = countArguments(arguments);
     if (!acceptsCount(info, count, state.messages())) return nullptr;
     if (state.incrementalOnly && !info.supportsIncremental) return nullptr;
     resultValue.vector = new dvec(resultValue.text, nullptr, PT_UNKNOWN);
     ResultGuard guard(resultValue);
-    return Call(info, state, count).run(arguments, *resultValue.vector) == FUNC_OK ? guard.keep() : nullptr;
+    return Call(info, calledName, state, count).run(arguments, *resultValue.vector) == FUNC_OK ? guard.keep() : nullptr;
 }
 
 void vec_CallFunction(FuncArgs const & args, FuncResult * result) {

@@ -42,7 +42,8 @@ ExprValue * indexElement(ParseState & state, ExprValue * base, ExprValue * index
     result->text = std::move(text);
     base->next = index;
     index->next = nullptr;
-    return callFunction(elementIndexInfo(), base, *result, state) != nullptr ? result : nullptr;
+    return callFunction(elementIndexInfo(), elementIndexInfo().name, base, *result, state) != nullptr ? result
+                                                                                                      : nullptr;
 }
 
 // A view of one division; no element is copied.

@@ -106,11 +106,20 @@ TEST(FindYFromX, APlateauOnTheLevelIsLeftOnce) {
     EXPECT_EQ(places({0, 1, 2, 3}, {0, 1, 1, 2}, 1).ys, (Reals{2}));
 }
 
-TEST(FindYFromX, AParabolaThatOvershootsItsPieceGivesWayToTheLine) {
-    // Through (0, 0), (1, 10), (2, 10.5): above 10.5 before x = 2.
-    Found const found = places({0, 10, 10.5}, {0, 1, 2}, 1.9, ofOrder(2));
+TEST(FindYFromX, ACrossingStaysInItsPiece) {
+    // The parabola through (0, 0), (1, 10), (2, 10.5) is above 10.5 before x = 2.
+    InterpOpts options = ofOrder(2);
+    Found found = places({0, 10, 10.5}, {0, 1, 2}, 1.9, options);
+    ASSERT_EQ(found.ys.size(), 1u);
+    EXPECT_GT(found.ys[0], 10.5);
+    options.flags = 1;
+    found = places({0, 10, 10.5}, {0, 1, 2}, 1.9, options);
     ASSERT_EQ(found.ys.size(), 1u);
     EXPECT_NEAR(found.ys[0], 10.45, 1e-12);
+}
+
+TEST(FindYFromX, EqualXBesideThePieceLeaveTheLine) {
+    EXPECT_EQ(places({0, 10, 20}, {0, 1, 1}, 0.5, ofOrder(2)).ys, (Reals{5}));
 }
 
 TEST(FindYFromX, HigherOrdersAreLimitedByTheData) {

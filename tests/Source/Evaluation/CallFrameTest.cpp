@@ -57,7 +57,7 @@ TEST_F(CallFrame, AnEmptyArgumentMarkerCountsAsNone) {
     ParseState state("", {}, context);
     ExprValue marker;
     marker.emptyArgs = true;
-    ASSERT_NE(callFunction(info, &marker, result, state), nullptr);
+    ASSERT_NE(callFunction(info, info.name, &marker, result, state), nullptr);
     EXPECT_EQ(result.vector->getReal(0), 0);
 }
 

@@ -79,7 +79,7 @@ protected:
         ParseState state("", options, context);
         result = {};
         result.text = "the call";
-        dvec * out = callFunction(info, listOf(vectors), result, state);
+        dvec * out = callFunction(info, info.name, listOf(vectors), result, state);
         code = state.functionError;
         EXPECT_EQ(out, result.vector);
         return out;

@@ -131,8 +131,8 @@ TEST_F(HandlerLoopTest, TheFirstCodeIsKept) {
     FuncInfo info = makeInfo("f", noResult, 1, 1);
     EvaluationDepth const depth;
     ParseState state("", {}, context);
-    callFunction(info, listOf({makeVector("v", {{-1}})}), result, state);
-    callFunction(twice, listOf({makeVector("v", {{-1}})}), result, state);
+    callFunction(info, info.name, listOf({makeVector("v", {{-1}})}), result, state);
+    callFunction(twice, twice.name, listOf({makeVector("v", {{-1}})}), result, state);
     EXPECT_EQ(state.functionError, FUNC_NO_RESULT);
 }
 
