@@ -19,8 +19,7 @@ bool nameTaken(int line) {
 } // namespace
 
 Group::Group(YString groupName, YString groupTitle, std::uint32_t groupFlags)
-    : flags(groupFlags), birth(LoosePool::clock()), name(std::move(groupName)), title(std::move(groupTitle)),
-      labels(noLabels()) {}
+    : flags(groupFlags), name(std::move(groupName)), title(std::move(groupTitle)), labels(noLabels()) {}
 
 Group::~Group() {
     end();
@@ -36,7 +35,7 @@ void Group::end() {
     vectors.clear();
     for (auto const & entry : doomed) delete entry.second;
     oldStream.reset();
-    LoosePool::forgetGroup(this, birth);
+    LoosePool::forgetGroup(*this);
 }
 
 dvec * Group::find(HashedName const & vectorName) const {

@@ -83,7 +83,7 @@ struct Group {
     Group * next = nullptr;             // older neighbour in the list
     Group * previous = nullptr;         // newer neighbour in the list
     bool listed = false;
-    std::uint64_t birth;                                      // clock of the loose pool when the group was made
+    std::size_t looseVectors = 0;                             // in the loose pool, made for this group
     std::multimap<std::uint32_t, Group *>::iterator runEntry; // valid while listed with a runId other than 0
     YString date;
     YString name; // does not change while the group is listed

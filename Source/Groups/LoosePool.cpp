@@ -1,20 +1,21 @@
 #include "Groups/LoosePool.h"
 
+#include "Groups/Group.h"
+
 namespace {
 
 dvec * newest = nullptr;
 std::size_t pooled = 0;
-std::uint64_t added = 0;
 
 } // namespace
 
 void LoosePool::add(dvec * vector) noexcept {
-    vector->poolTime = ++added;
     vector->poolPrevious = nullptr;
     vector->poolNext = newest;
     if (newest != nullptr) newest->poolPrevious = vector;
     newest = vector;
     ++pooled;
+    if (vector->group != nullptr) ++vector->group->looseVectors;
 }
 
 void LoosePool::remove(dvec * vector) noexcept {
@@ -24,14 +25,11 @@ void LoosePool::remove(dvec * vector) noexcept {
     if (vector->poolNext != nullptr) vector->poolNext->poolPrevious = vector->poolPrevious;
     vector->poolPrevious = vector->poolNext = nullptr;
     --pooled;
+    if (vector->group != nullptr) --vector->group->looseVectors;
 }
 
 std::size_t LoosePool::count() noexcept {
     return pooled;
-}
-
-std::uint64_t LoosePool::clock() noexcept {
-    return added;
 }
 
 void LoosePool::sweep() {
@@ -44,7 +42,10 @@ void LoosePool::sweep() {
     }
 }
 
-void LoosePool::forgetGroup(Group const * group, std::uint64_t birth) noexcept {
-    for (dvec * vector = newest; vector != nullptr && vector->poolTime > birth; vector = vector->poolNext)
-        if (vector->group == group) vector->group = nullptr;
+void LoosePool::forgetGroup(Group & group) noexcept {
+    for (dvec * vector = newest; group.looseVectors != 0; vector = vector->poolNext) {
+        if (vector->group != &group) continue;
+        vector->group = nullptr;
+        --group.looseVectors;
+    }
 }

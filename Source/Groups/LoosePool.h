@@ -13,9 +13,7 @@ public:
     static std::size_t count() noexcept;
     // Releases every vector; read-only ones are forgotten, not deleted. The pool is empty afterwards.
     static void sweep();
-    // Rises with every vector that is added.
-    static std::uint64_t clock() noexcept;
-    // A group dies: vectors made for it forget it. Looks only at vectors added since the clock stood at `birth`, when
-    // the group was made, so that the end of a context costs what was made in it, not what waits from before.
-    static void forgetGroup(Group const * group, std::uint64_t birth) noexcept;
+    // A group dies: vectors made for it forget it. Looks no further back than to the oldest of them, so that the end of
+    // a context costs what was made since then, not what waits from before.
+    static void forgetGroup(Group & group) noexcept;
 };

@@ -118,9 +118,9 @@ void dvec::enterGroup() {
     if (!isTemporary()) return;
     Group * home = orLocal(group);
     if (home == nullptr || !home->enter(this)) return;
+    LoosePool::remove(this);
     group = home;
     flags |= VF_INGROUP;
-    LoosePool::remove(this);
 }
 
 void dvec::leaveGroup() {

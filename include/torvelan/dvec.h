@@ -64,8 +64,7 @@ private:
     friend class LoosePool;
     friend struct Group;
     Group * group = nullptr; // not owned
-    // Links of the loose pool, both null outside it, and when the vector was added to it.
+    // Links of the loose pool, both null outside it.
     dvec * poolPrevious = nullptr;
     dvec * poolNext = nullptr;
-    std::uint64_t poolTime = 0;
 };

@@ -57,4 +57,39 @@ TEST_F(LoosePoolTest, VectorsMadeForADyingGroupForgetIt) {
     EXPECT_EQ(after->owner(), nameSpace().global);
 }
 
+TEST_F(LoosePoolTest, GroupCountsWhatWaitsInThePoolForIt) {
+    Group * group = makeGroup("", "pool", 0);
+    auto * first = new dvec("first", group, PT_NONE);
+    auto * second = new dvec(*first);
+    EXPECT_EQ(group->looseVectors, 2U);
+    first->enterGroup();
+    EXPECT_EQ(group->looseVectors, 1U);
+    first->leaveGroup();
+    EXPECT_EQ(group->looseVectors, 2U);
+    second->release();
+    EXPECT_EQ(group->looseVectors, 1U);
+    first->flags |= VF_READONLY;
+    LoosePool::sweep();
+    EXPECT_EQ(group->looseVectors, 0U);
+    delete first;
+}
+
+TEST_F(LoosePoolTest, OrphanThatEntersAGroupWasNoneOfIts) {
+    pushContext();
+    auto * orphan = new dvec("orphan", 5.0);
+    popContext();
+    orphan->enterGroup();
+    EXPECT_EQ(nameSpace().global->looseVectors, 0U);
+    orphan->leaveGroup();
+    EXPECT_EQ(nameSpace().global->looseVectors, 1U);
+}
+
+TEST_F(LoosePoolTest, ManyGroupsEndInLinearTimeBesideManyTemporaries) {
+    for (int i = 0; i < 10000; ++i) makeGroup("", "pool", 0);
+    for (int i = 0; i < 50000; ++i) new dvec("t", 1.0);
+    destroyAllGroups();
+    EXPECT_TRUE(listedNames().empty());
+    EXPECT_EQ(nameSpace().global->looseVectors, LoosePool::count());
+}
+
 } // namespace
