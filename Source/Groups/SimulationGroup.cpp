@@ -27,12 +27,13 @@ Group const * previousRun(Group const & group) noexcept {
 // those for itself.
 void nameGroupMeant(Group & group, std::string_view vectorName) {
     dvec * vector = group.find(vectorName);
-    char const * value = vector != nullptr ? vector->getString(0) : nullptr;
-    Group const * previous = value != nullptr ? previousRun(group) : nullptr;
+    char const * words = vector != nullptr ? vector->getString(0) : nullptr;
+    Group const * previous = words != nullptr ? previousRun(group) : nullptr;
     if (previous == nullptr) return;
-    std::string_view const words = value;
-    if (words == "$prev") vector->setString(previous->name.c_str(), 0);
-    if (words == "$this") vector->setString(group.name.c_str(), 0);
+    Group const * meant = words == std::string_view("$prev")   ? previous
+                          : words == std::string_view("$this") ? &group
+                                                               : nullptr;
+    if (meant != nullptr) vector->setString(meant->name.c_str(), 0);
 }
 
 } // namespace

@@ -389,4 +389,29 @@ TEST_F(GroupApiTest, NothingNeedsTheSpecialGroups) {
     EXPECT_EQ(vec_MakeGroup("", "api", VecMakeGroupOptions()), VEC_OK);
 }
 
+TEST_F(GroupApiTest, PlacesForAnswersMayBeNull) {
+    YString const group = made("api");
+    EXPECT_EQ(vec_GetLocalGroupName(nullptr), VEC_OK);
+    EXPECT_EQ(vec_GetGroupInfo(group, nullptr), VEC_OK);
+    EXPECT_EQ(vec_GetGroupLabels(group, nullptr), VEC_OK);
+    EXPECT_EQ(vec_GetNumVectorsInGroup(group, nullptr), VEC_OK);
+    member(findGroup(group), "v");
+    EXPECT_EQ(vec_GetVectorsInGroup(nullptr, group), VEC_OK);
+    EXPECT_EQ(vec_GetVectorsInGroup(group, nullptr, 5), 0);
+    EXPECT_EQ(vec_GetPostProc(group, nullptr), VEC_OK);
+    EXPECT_EQ(vec_GetTraces(group, nullptr), VEC_OK);
+    EXPECT_EQ(vec_GetAnalysisInfo(group, nullptr), VEC_OK);
+    vec_GetGroups(nullptr);
+    EXPECT_EQ(vec_InstallDeleteNotifyProc(group, nullptr, nullptr), VEC_OK);
+    EXPECT_EQ(vec_DestroyGroup(group, false), VEC_OK);
+}
+
+TEST_F(GroupApiTest, NegativeCapacityHoldsNothing) {
+    YString const group = made("api");
+    member(findGroup(group), "v");
+    VectorInfo record;
+    EXPECT_EQ(vec_GetVectorsInGroup(group, &record, -1), 0);
+    EXPECT_TRUE(record.name.empty());
+}
+
 } // namespace

@@ -27,6 +27,8 @@ TEST_F(VectorApiTest, VectorIsFoundInItsGroup) {
     EXPECT_EQ(found, nullptr);
     EXPECT_EQ(vec_GetVector("nowhere", "x", &found), VEC_NO_GROUP);
     EXPECT_EQ(found, nullptr);
+    EXPECT_EQ(vec_GetVector(group->name, "x", nullptr), VEC_OK);
+    EXPECT_EQ(vec_GetVector(group->name, "y", nullptr), VEC_NO_VECTOR);
 }
 
 TEST_F(VectorApiTest, EmptyGroupSearchesAsExpressionsDo) {
@@ -56,6 +58,7 @@ TEST_F(VectorApiTest, PseudonymThroughTheGroup) {
     EXPECT_EQ(vec_GetVectorPseudonym(group->name, "y", &pseudonym), VEC_OK);
     EXPECT_EQ(text(pseudonym), "y");
     EXPECT_EQ(vec_GetVectorPseudonym("nowhere", "x", &pseudonym), VEC_NO_GROUP);
+    EXPECT_EQ(vec_GetVectorPseudonym(group->name, "x", nullptr), VEC_OK);
     nameSpace().current = group;
     EXPECT_EQ(vec_GetVectorPseudonym("", "x", &pseudonym), VEC_OK);
     EXPECT_EQ(text(pseudonym), "$0");

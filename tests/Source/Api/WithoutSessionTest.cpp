@@ -1,5 +1,5 @@
-// A host may call before a session has begun, and after it has ended: there is no group then, and nothing fails worse
-// than with its code.
+// A host may call before a session has begun and after it has ended, and a script may pop contexts until the global
+// group has gone: there is no group then, and nothing fails worse than with its code.
 #include "Groups/GroupStore.h"
 #include "Groups/LoosePool.h"
 #include "RecordedMessages.h"
@@ -12,14 +12,19 @@
 
 #include <cstdlib>
 #include <gmock/gmock.h>
+#include <optional>
 
 namespace {
 
-// Some of the tests start from a process that has seen a session already.
-class WithoutSession : public testing::TestWithParam<bool> {
+enum class Store { neverBegun, ended, popped };
+
+class WithoutSession : public testing::TestWithParam<Store> {
 protected:
     WithoutSession() {
-        if (GetParam()) EngineSession();
+        if (GetParam() != Store::neverBegun) EngineSession();
+        if (GetParam() != Store::popped) return;
+        session.emplace();
+        vec_PopContext();
     }
     ~WithoutSession() override {
         vec_CollectGarbage();
@@ -34,9 +39,11 @@ protected:
 
     std::shared_ptr<RecordedMessages> messages = std::make_shared<RecordedMessages>();
     ScpParseContext context{messages};
+    std::optional<EngineSession> session;
 };
 
-INSTANTIATE_TEST_SUITE_P(AfterOneOrBeforeAny, WithoutSession, testing::Bool());
+INSTANTIATE_TEST_SUITE_P(NeverBegunEndedOrPopped, WithoutSession,
+                         testing::Values(Store::neverBegun, Store::ended, Store::popped));
 
 TEST_P(WithoutSession, ThereIsNoGroup) {
     YString out;
@@ -68,6 +75,8 @@ TEST_P(WithoutSession, WhatNeedsAGroupIsRefused) {
         EXPECT_EQ(vec_DestroyGroup(name, false), VEC_NO_GROUP);
         EXPECT_EQ(vec_GetCollectionName(name, out), VEC_NO_GROUP);
         EXPECT_EQ(vec_GetVectorPseudonym(name, "x", &out), VEC_NO_GROUP);
+        EXPECT_EQ(vec_MakeString("s", "text", name), VEC_NO_GROUP);
+        EXPECT_EQ(vec_MakeAliasVector("a", "1", name, PT_NONE), VEC_NO_GROUP);
         EXPECT_EQ(vec_InstallDeleteNotifyProc(
                       name, [](void *, void *) {}, nullptr),
                   VEC_NO_GROUP);
@@ -90,6 +99,31 @@ TEST_P(WithoutSession, RecordsOfGroupsAreNeitherKeptNorRead) {
     EXPECT_EQ(vec_DestroyAllGroups(), VEC_OK);
 }
 
+TEST_P(WithoutSession, NoVectorIsMade) {
+    VectorParam y, x;
+    y.name = "y";
+    x.name = "x";
+    IfVector yOut, xOut;
+    for (char const * group : {"", "global"})
+        EXPECT_EQ(vec_MakeVector(group, &y, &x, &yOut, &xOut, MakeVectorOptions()), VEC_NO_GROUP);
+    EXPECT_EQ(yOut.addVal(1.0), VEC_NO_DATA_RECORD);
+    EXPECT_EQ(xOut.addVal(complex{1, 2}), VEC_NO_DATA_RECORD);
+    xOut.addDivision("group");
+    EXPECT_EQ(xOut.getObjectSize(), 0U);
+}
+
+TEST_P(WithoutSession, DataFilesHaveNoGroup) {
+    YString path = "untouched";
+    for (char const * name : {"", "global"}) {
+        EXPECT_EQ(vec_DataSent(name, true), VEC_NO_GROUP);
+        EXPECT_EQ(vec_LinkDatafile(name, "f"), VEC_NO_GROUP);
+        EXPECT_EQ(vec_AppendLinkedDatafiles(name), VEC_NO_GROUP);
+        EXPECT_EQ(vec_AppendGroup(name, name, messages), VEC_NO_GROUP);
+        EXPECT_EQ(vec_InitialiseSimulationGroup(true, "", name, true, false, messages, &path), VEC_NO_GROUP);
+    }
+    EXPECT_EQ(path.view(), "untouched");
+}
+
 TEST_P(WithoutSession, NamesOfVectorsAreUnknown) {
     XYVector * found = nullptr;
     EXPECT_EQ(vec_GetVector("", "pi", &found), VEC_NO_VECTOR);
@@ -99,6 +133,18 @@ TEST_P(WithoutSession, NamesOfVectorsAreUnknown) {
     EXPECT_EQ(vec_DestroyVector("pi", *messages, true), VEC_NOT_DONE);
     EXPECT_EQ(vec_DestroyVector(":pi", *messages, false), VEC_NOT_DONE);
     EXPECT_EQ(vec_MakeReferenceAlias("alias", "pi", *messages), VEC_NOT_DONE);
+    for (char const * name : {"pi", ":pi", "global:pi", "", ":"}) {
+        bool exists = true;
+        VectorExtInfo info{true};
+        long long length = 0;
+        EXPECT_EQ(vec_ExistVec(name, &exists, &info), VEC_OK);
+        EXPECT_FALSE(exists || info.isAlias);
+        EXPECT_EQ(vec_GetVectorLength(name, &length), VEC_OK);
+        EXPECT_EQ(length, -1);
+    }
+    dvec const vector("v", 1.0);
+    EXPECT_FALSE(vec_TestVectorUsesReference(&vector, "", "v"));
+    EXPECT_FALSE(vec_TestVectorUsesReference(&vector, "global", "v"));
 }
 
 TEST_P(WithoutSession, ExpressionsOfNumbersHaveTheirValues) {
@@ -163,7 +209,12 @@ TEST_P(WithoutSession, GroupsAndContextsMayBeMade) {
     EXPECT_EQ(evaluated("x"), "failed");
     EXPECT_EQ(vec_OpenCollection("c", true), VEC_OK);
     EXPECT_EQ(vec_CloseCollection(), VEC_OK);
-    EngineSession const session;
+}
+
+TEST_P(WithoutSession, LaterSessionBeginsBehindTheGroupsThatAreThere) {
+    session.reset();
+    EXPECT_EQ(vec_MakeGroup("", "early", {.makeCurrent = true}), VEC_OK);
+    session.emplace();
     EXPECT_EQ(groupListHead()->next, nameSpace().global);
     EXPECT_EQ(nameSpace().current, nameSpace().global);
 }

@@ -86,4 +86,16 @@ TEST_F(ContextsTest, ContextJoinsNoCollection) {
     popContext();
 }
 
+TEST_F(ContextsTest, ManyNestedContextsKeepTheirVariablesApart) {
+    constexpr int depth = 100;
+    for (int i = 0; i < depth; ++i) member(pushContext(), "x", i);
+    for (int i = depth - 1; i >= 0; --i) {
+        EXPECT_EQ(findVector("x", nullptr, false)->getReal(0), i);
+        popContext();
+    }
+    EXPECT_EQ(findVector("x", nullptr, false), nullptr);
+    EXPECT_EQ(nameSpace().local, nameSpace().global);
+    EXPECT_TRUE(listedNames().empty());
+}
+
 } // namespace
