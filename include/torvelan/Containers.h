@@ -4,6 +4,7 @@
 #include "torvelan/Exceptions.h"
 #include "torvelan/YString.h"
 
+#include <charconv>
 #include <cstdlib>
 #include <list>
 #include <memory>
@@ -32,6 +33,23 @@ template <class T> using YArray = std::vector<T>;
 template <class T> using YVector = std::vector<T, YVectorAllocator<T>>;
 template <class T> using YList = std::list<T>;
 template <class T> using YRef = std::shared_ptr<T>;
+
+// The words of a command line. A word that is not there reads as the empty text.
+class WordArray : public YArray<YString> {
+public:
+    using YArray<YString>::YArray;
+    YString const & operator[](std::size_t i) const noexcept {
+        static YString const none;
+        return i < size() ? YArray<YString>::operator[](i) : none;
+    }
+    // A word as a whole number; the other value when it is none, or too large for an int.
+    int integer(std::size_t i, int otherwise) const noexcept {
+        std::string_view const text = (*this)[i].view();
+        int value = otherwise;
+        auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+        return error == std::errc() && end == text.data() + text.size() ? value : otherwise;
+    }
+};
 
 // Array of names, such as the labels of divisions.
 class NameArray : public YArray<YString> {

@@ -129,6 +129,8 @@ TORVELAN_API void vec_AddNewFunction(FuncInfo const & info);
 TORVELAN_API FuncInfo * vec_FindFunction(YString const & name); // null when there is none; any case
 TORVELAN_API void vec_GetFunctions(YList<FunctionInfo> * out, bool exportedOnly);
 TORVELAN_API void vec_GetSortedFunctionList(YList<FuncInfo> * out); // without names that begin with '_'
+// Scripts that expressions may call, the newest first.
+TORVELAN_API void vec_GetScriptFunctions(YList<FunctionInfo> * out);
 TORVELAN_API void vec_GetFunctionLocs(YList<FuncLocInfo> * out);
 
 // The arguments of a call, each a y side and a reference. An index beyond the arguments is no error for any accessor:

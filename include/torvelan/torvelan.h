@@ -1,6 +1,7 @@
 // The whole exported interface. Start reading at EngineSession.h and Evaluate.h.
 #pragma once
 
+#include "torvelan/Commands.h"
 #include "torvelan/Complex.h"
 #include "torvelan/Containers.h"
 #include "torvelan/EngineSession.h"
