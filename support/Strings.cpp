@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <climits>
 #include <cstring>
 
@@ -39,6 +40,33 @@ constexpr std::uint64_t foldWord(std::uint64_t word) noexcept {
     std::uint64_t const aboveZ = low + (0x7F - 'Z') * ones;
     std::uint64_t const upper = fromA & ~aboveZ & ~word & (0x80 * ones);
     return word | (upper >> 2);
+}
+
+// Eight characters as a number whose order is that of the characters.
+std::uint64_t textOrder(std::uint64_t word) noexcept {
+    if constexpr (std::endian::native == std::endian::little) return __builtin_bswap64(word);
+    return word;
+}
+
+// Below 0, 0, above 0 for eight characters without regard to case.
+int compareWord(char const * a, char const * b) noexcept {
+    std::uint64_t const wordA = textOrder(foldWord(load<std::uint64_t>(a)));
+    std::uint64_t const wordB = textOrder(foldWord(load<std::uint64_t>(b)));
+    return static_cast<int>(wordA > wordB) - static_cast<int>(wordA < wordB);
+}
+
+// The same for fewer than eight.
+int compareShort(char const * a, char const * b, std::size_t n) noexcept {
+    for (std::size_t i = 0; i < n; ++i)
+        if (int const difference = foldCase(a[i]) - foldCase(b[i])) return difference;
+    return 0;
+}
+
+int compareNoCaseBytes(char const * a, char const * b, std::size_t n) noexcept {
+    if (n < 8) return compareShort(a, b, n);
+    for (std::size_t i = 0; i + 8 < n; i += 8)
+        if (int const difference = compareWord(a + i, b + i)) return difference;
+    return compareWord(a + n - 8, b + n - 8);
 }
 
 constexpr std::uint64_t mixWord(std::uint64_t hash, std::uint64_t word) noexcept {
@@ -201,10 +229,7 @@ std::size_t YString::hashValue() const noexcept {
 
 int compareNoCase(std::string_view a, std::string_view b) noexcept {
     std::size_t const common = std::min(a.size(), b.size());
-    for (std::size_t i = 0; i < common; ++i) {
-        int const difference = foldCase(a[i]) - foldCase(b[i]);
-        if (difference != 0) return difference;
-    }
+    if (int const difference = compareNoCaseBytes(a.data(), b.data(), common)) return difference;
     return static_cast<int>(a.size() > common) - static_cast<int>(b.size() > common);
 }
 

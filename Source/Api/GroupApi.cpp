@@ -151,10 +151,10 @@ VEC_ERROR vec_GetVectorsInGroup(YList<YString> * names, YString const & nameOrCu
 
 int vec_GetVectorsInGroup(YString const & nameOrCurrent, VectorInfo * records, int capacity) {
     int filled = 0;
-    withGroup(findGroupOrCurrent(nameOrCurrent), [&](Group & group) {
-        group.forEachVector([&](dvec const & vector) {
-            if (records != nullptr && filled < capacity) records[filled++] = describe(vector);
-        });
+    withGroup(findGroupOrCurrent(nameOrCurrent), [&](Group const & group) {
+        if (records == nullptr) return;
+        for (dvec const * vector : group.vectorsInOrder())
+            if (filled < capacity) records[filled++] = describe(*vector);
     });
     return filled;
 }

@@ -16,22 +16,28 @@ YArray<Group *> & savedContexts() {
 Group * pushContext() {
     Group * group = new Group(uniqueGroupName("local"), "Local", GROUP_LOCAL);
     linkAtHead(group);
-    savedContexts().push_back(nameSpace().local);
+    Group * outer = nameSpace().local;
+    savedContexts().push_back(outer);
+    if (outer != nullptr) ++outer->timesSaved;
     return nameSpace().local = group;
 }
 
 void popContext() {
     if (Group * group = nameSpace().local) destroyGroup(group);
     auto & saved = savedContexts();
-    nameSpace().local = saved.empty() ? nullptr : saved.back();
+    Group * outer = saved.empty() ? nullptr : saved.back();
     if (!saved.empty()) saved.pop_back();
+    if (outer != nullptr) --outer->timesSaved;
+    nameSpace().local = outer;
 }
 
-void forgetContext(Group const * group) noexcept {
-    std::replace(savedContexts().begin(), savedContexts().end(), const_cast<Group *>(group),
-                 static_cast<Group *>(nullptr));
+void forgetContext(Group * group) noexcept {
+    for (auto & saved = savedContexts(); group->timesSaved != 0; --group->timesSaved)
+        *std::find(saved.rbegin(), saved.rend(), group) = nullptr;
 }
 
 void clearContexts() noexcept {
+    for (Group * group : savedContexts())
+        if (group != nullptr) group->timesSaved = 0;
     savedContexts().clear();
 }

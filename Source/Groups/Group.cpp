@@ -65,11 +65,26 @@ bool Group::rename(dvec * vector, YString const & newName) {
     return true;
 }
 
+YArray<dvec *> Group::vectorsInOrder() const {
+    struct Named {
+        std::string_view name; // beside the vector, so that the sort does not look into it
+        dvec * vector;
+    };
+    YArray<Named> sorted;
+    sorted.reserve(vectors.size());
+    for (auto const & entry : vectors) sorted.push_back({entry.second->name().view(), entry.second});
+    std::sort(sorted.begin(), sorted.end(),
+              [](Named const & a, Named const & b) { return compareNoCase(a.name, b.name) < 0; });
+    YArray<dvec *> inOrder;
+    inOrder.reserve(sorted.size());
+    for (Named const & named : sorted) inOrder.push_back(named.vector);
+    return inOrder;
+}
+
 YArray<YString> Group::namesInOrder() const {
     YArray<YString> names;
     names.reserve(vectors.size());
-    for (auto const & entry : vectors) names.push_back(entry.second->name());
-    std::sort(names.begin(), names.end(), [](YString const & a, YString const & b) { return compareNoCase(a, b) < 0; });
+    for (dvec const * vector : vectorsInOrder()) names.push_back(vector->name());
     return names;
 }
 

@@ -56,7 +56,8 @@ struct Group {
     void remove(dvec * vector); // from the table only
     // Moves a member's entry to a new name, before the vector itself takes it; as `enter` when the name is taken.
     bool rename(dvec * vector, YString const & newName);
-    YArray<YString> namesInOrder() const; // sorted without regard to case
+    YArray<dvec *> vectorsInOrder() const; // sorted by name without regard to case
+    YArray<YString> namesInOrder() const;
     // Visits the vectors in name order. The callback may delete any vector.
     void forEachVector(std::function<void(dvec &)> const & visit);
 
@@ -83,6 +84,7 @@ struct Group {
     Group * next = nullptr;             // older neighbour in the list
     Group * previous = nullptr;         // newer neighbour in the list
     bool listed = false;
+    std::uint32_t timesSaved = 0;                             // on the stack of contexts
     std::size_t looseVectors = 0;                             // in the loose pool, made for this group
     std::multimap<std::uint32_t, Group *>::iterator runEntry; // valid while listed with a runId other than 0
     YString date;

@@ -26,20 +26,23 @@ void delist(Group * group) {
     releaseGroupName(group->name);
 }
 
-// Takes a group out of the list. The answer is the group that stands in for it as the current one: its newer
-// neighbour, the new head for the head, and behind that the first that is no local context, or the last of all.
-Group * unlink(Group * group) {
+void unlink(Group * group) noexcept {
     (group->previous != nullptr ? group->previous->next : head) = group->next;
     if (group->next != nullptr) group->next->previous = group->previous;
+}
+
+// The group that is current instead of one that has left the list: its newer neighbour, the new head for the head, and
+// behind that the first that is no local context, or the last of all.
+Group * standInFor(Group const * group) noexcept {
     Group * candidate = group->previous != nullptr ? group->previous : head;
     while (candidate != nullptr && candidate->isLocal() && candidate->next != nullptr) candidate = candidate->next;
     return candidate;
 }
 
-void forgetSpecial(Group const * group, Group * newCurrent) noexcept {
+void forgetSpecial(Group * group) noexcept {
     if (names.local == group) names.local = nullptr;
     if (names.global == group) names.global = nullptr;
-    if (names.current == group) names.current = newCurrent;
+    if (names.current == group) names.current = standInFor(group);
     forgetContext(group);
 }
 
@@ -142,7 +145,8 @@ void destroyGroup(Group * group) {
     if (group->destroying != 0) return; // asked for by one of its own delete notifications
     leaveRun(group);
     group->end();
-    forgetSpecial(group, unlink(group));
+    unlink(group);
+    forgetSpecial(group);
     delist(group);
     delete group;
 }

@@ -13,7 +13,7 @@ void joinRun(Group * group);
 void leaveRun(Group * group) noexcept;
 
 // Contexts.cpp
-void forgetContext(Group const * group) noexcept; // a saved context that dies is null on the stack
+void forgetContext(Group * group) noexcept; // a saved context that dies is null on the stack
 void clearContexts() noexcept;
 
 // Collections.cpp

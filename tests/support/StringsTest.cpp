@@ -292,6 +292,8 @@ TEST(NoCase, AgreesWithFoldingByteByByte) {
         ASSERT_EQ(equalNoCase(a, b), folded(a) == folded(b));
         ASSERT_EQ(sign(compareNoCase(a, b)), sign(folded(a).compare(folded(b))));
         ASSERT_TRUE(folded(a) != folded(b) || hashNoCase(a) == hashNoCase(b));
+        b.resize(random() % 20, 'b');
+        ASSERT_EQ(sign(compareNoCase(a, b)), sign(folded(a).compare(folded(b))));
     }
 }
 

@@ -86,6 +86,21 @@ TEST_F(ContextsTest, ContextJoinsNoCollection) {
     popContext();
 }
 
+TEST_F(ContextsTest, GroupThatIsSavedSeveralTimesLeavesEveryPlaceEmpty) {
+    Group * group = makeGroup("", "ctx", 0);
+    for (int i = 0; i < 3; ++i) {
+        nameSpace().local = group;
+        pushContext();
+    }
+    EXPECT_EQ(group->timesSaved, 3U);
+    destroyGroup(group);
+    for (int i = 0; i < 3; ++i) {
+        popContext();
+        EXPECT_EQ(nameSpace().local, nullptr);
+    }
+    nameSpace().local = nameSpace().global;
+}
+
 TEST_F(ContextsTest, ManyNestedContextsKeepTheirVariablesApart) {
     constexpr int depth = 100;
     for (int i = 0; i < depth; ++i) member(pushContext(), "x", i);
