@@ -9,9 +9,6 @@
 #include "Groups/GroupStore.h"
 #include "support/Numbers.h"
 #include "support/System.h"
-#include "torvelan/Substitution.h"
-
-#include <string>
 
 namespace {
 
@@ -225,27 +222,4 @@ void vec_ReleaseVector(XYVector * vector) {
 
 bool vec_IsAlias(XYVector const * vector) {
     return vector != nullptr && static_cast<dvec const *>(vector)->isAlias();
-}
-
-VecSubstExpressionObject::~VecSubstExpressionObject() = default;
-
-YString VecSubstExpressionObject::substituteFunction(YString const & name, NameArray const &) {
-    return name;
-}
-
-bool VecSubstExpressionObject::substitutesFunctions() {
-    return false;
-}
-
-YString vec_SubstituteExpression(YString expr, VecSubstExpressionObject * object) {
-    EvaluationDepth const depth;
-    EvalOptions options;
-    options.substitution = object;
-    std::string text;
-    ExprValue const * first = parseExpression(expr.c_str(), options, ScpParseContext(nullptr));
-    for (ExprValue const * value = first; value != nullptr; value = value->next) {
-        if (value != first) text += ", ";
-        text += value->text.view();
-    }
-    return YString(text);
 }

@@ -42,6 +42,19 @@ TORVELAN_API VecEvalError vec_Evaluate(YString * out, YString const & expr, bool
 // VEC_NULL_EXPRESSION; VEC_EXPRESSION_FAILED when any value failed (the others are still appended).
 TORVELAN_API VEC_ERROR vec_EvalVecList(char const * expr, YArray<XYVector *> * out, ScpParseContext const & context,
                                        YString const & displayGroupName, bool incrementalOnly);
+enum IncEvalErr : int {
+    INC_EVAL_OK = 0,
+    INC_EVAL_FAILED = 2, // no value, or a function that needs all points
+};
+// Extends a vector that an earlier evaluation of `expr` has made, from the points that its reference has and it lacks,
+// while a run goes on; divisions that have come since are added, with `displayGroup` as the group of their labels. The
+// work depends on the new points alone where only operators and elementwise functions stand between the vectors of the
+// run. The reference is the caller's to extend, beforehand. True when *error is not INC_EVAL_OK: `result` is as it was,
+// and the expression is to be evaluated afresh.
+TORVELAN_API bool vec_IncrementalEvaluate(char const * expr, XYVector * result, YString const & displayGroup,
+                                          IncEvalErr * error, YRef<MessageHandler> messages,
+                                          ScpParseContext const & context);
+
 // Finds a vector by group and name (an empty group: as an expression does) and converts an alias. VEC_NO_VECTOR when
 // there is none or its conversion failed.
 TORVELAN_API VEC_ERROR vec_GetNumericVector(YString const & group, YString const & name, XYVector ** out,

@@ -1,6 +1,7 @@
 #include "torvelan/Substitution.h"
 
 #include "torvelan/EngineSession.h"
+#include "torvelan/VectorStore.h"
 
 #include <gtest/gtest.h>
 
@@ -71,4 +72,65 @@ TEST_F(Substitution, CallsPassThroughAnObjectThatWantsThem) {
 TEST_F(Substitution, ATextThatDoesNotParseGivesNothing) {
     EXPECT_EQ(substituted("1 +"), "");
     EXPECT_EQ(substituted("1 )"), "");
+}
+
+// --- aliases written out
+
+namespace {
+
+class ExpandAlias : public testing::Test {
+protected:
+    void alias(char const * name, char const * definition) {
+        vec_MakeAliasVector(name, definition, YString(), PT_UNKNOWN);
+    }
+    std::string expanded(std::string const & expr) { return std::string(vec_ExpandAlias(YString(expr))); }
+    EngineSession session;
+};
+
+} // namespace
+
+TEST_F(ExpandAlias, ATextWithoutAliasesComesBackNormalised) {
+    EXPECT_EQ(expanded("a != b"), "a<>b");
+    EXPECT_EQ(expanded("a and b OR c"), "a&&b||c");
+    EXPECT_EQ(expanded("f(x y)"), "f(x, y)");
+}
+
+TEST_F(ExpandAlias, ATextThatDoesNotParseComesBackAsItIs) {
+    EXPECT_EQ(expanded("1 +"), "1 +");
+    alias("a", "1 +");
+    EXPECT_EQ(expanded("a*2"), "(1 +)*2") << "the text of the last good pass";
+}
+
+TEST_F(ExpandAlias, DefinitionsStandInParentheses) {
+    alias("gain", "out/in");
+    alias("gaindb", "db(gain)");
+    EXPECT_EQ(expanded("gaindb + 1"), "(db((out/in)))+1");
+    EXPECT_EQ(expanded("GAIN"), "(out/in)");
+}
+
+TEST_F(ExpandAlias, AReferenceAliasNamesItsTarget) {
+    NullMessageHandler messages;
+    vec_MakeString("target", "text", YString());
+    ASSERT_EQ(vec_MakeReferenceAlias("r", "target", messages), VEC_OK);
+    EXPECT_EQ(expanded("r"), "(global:target)");
+}
+
+TEST_F(ExpandAlias, ACircleEndsAfterNineteenPasses) {
+    alias("a", "b+1");
+    alias("b", "a+2");
+    std::string const text = expanded("a");
+    std::string wanted = "a";
+    for (int pass = 0; pass < 19; ++pass) {
+        bool const isA = pass % 2 == 0;
+        std::size_t const at = wanted.find(isA ? 'a' : 'b');
+        wanted.replace(at, 1, isA ? "(b+1)" : "(a+2)");
+    }
+    EXPECT_EQ(text, wanted);
+}
+
+TEST_F(ExpandAlias, AnAliasThatDoublesEndsBeforeItFillsTheMemory) {
+    alias("a", "a+a+a+a+a+a+a+a");
+    std::string const text = expanded("a");
+    EXPECT_LT(text.size(), std::size_t{64} << 20);
+    EXPECT_GT(text.size(), 1000u);
 }

@@ -1,0 +1,74 @@
+#include "torvelan/Substitution.h"
+
+#include "Evaluation/ParseState.h"
+#include "Groups/GroupStore.h"
+
+#include <optional>
+#include <string>
+
+namespace {
+
+constexpr int mostPasses = 19;
+constexpr std::size_t longestText = std::size_t{16} << 20;
+
+// Nothing when the text does not parse.
+std::optional<std::string> substitute(YString const & expr, VecSubstExpressionObject & object) {
+    EvaluationDepth const depth;
+    EvalOptions options;
+    options.substitution = &object;
+    ExprValue const * const first = parseExpression(expr.c_str(), options, ScpParseContext(nullptr));
+    if (first == nullptr) return std::nullopt;
+    std::string text(first->text.view());
+    for (ExprValue const * value = first->next; value != nullptr; value = value->next)
+        text.append(", ").append(value->text.view());
+    return text;
+}
+
+// One level of definitions. Beyond the longest text it leaves the rest as it is and says so.
+class ExpandAliasSubstExpressionObject final : public VecSubstExpressionObject {
+public:
+    YString substituteName(YString const & name) override {
+        dvec const * const vector = findVector(name, nullptr, false);
+        if (vector == nullptr || !vector->isAlias()) return name;
+        char const * const definition = vector->getString(0);
+        std::string_view const text = definition != nullptr ? definition : "";
+        added += text.size();
+        if (added > longestText) return name;
+        changed = true;
+        return YString::joined("(", {text, ")"});
+    }
+
+    bool isTooLong() const noexcept { return added > longestText; }
+
+    bool changed = false;
+
+private:
+    std::size_t added = 0;
+};
+
+} // namespace
+
+VecSubstExpressionObject::~VecSubstExpressionObject() = default;
+
+YString VecSubstExpressionObject::substituteFunction(YString const & name, NameArray const &) {
+    return name;
+}
+
+bool VecSubstExpressionObject::substitutesFunctions() {
+    return false;
+}
+
+YString vec_SubstituteExpression(YString expr, VecSubstExpressionObject * object) {
+    return YString(substitute(expr, *object).value_or(std::string()));
+}
+
+YString vec_ExpandAlias(YString expr) {
+    for (int pass = 0; pass < mostPasses; ++pass) {
+        ExpandAliasSubstExpressionObject level;
+        auto const text = substitute(expr, level);
+        if (!text || level.isTooLong()) break;
+        expr = YString(*text);
+        if (!level.changed) break;
+    }
+    return expr;
+}
