@@ -3,6 +3,7 @@
 #include "Groups/LoosePool.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -31,37 +32,32 @@ void Group::end() {
     destroying = 1;
     YList<DeleteNotify> const notifications = std::move(deleteNotify);
     for (DeleteNotify const & notify : notifications) notify.proc(notify.arg, &name);
-    NameTable<dvec *> const doomed = std::move(vectors);
-    vectors.clear();
-    for (auto const & entry : doomed) delete entry.second;
+    VectorTable const doomed = std::exchange(vectors, {});
+    doomed.forEach([](dvec & vector) { delete &vector; });
     oldStream.reset();
     LoosePool::forgetGroup(*this);
 }
 
 dvec * Group::find(HashedName const & vectorName) const {
-    if (auto const found = vectors.find(vectorName); found != vectors.end()) return found->second;
+    if (dvec * found = vectors.find(vectorName)) return found;
     if (!vectorName.text.starts_with('$')) return nullptr;
     auto const pseudonym = pseudonyms.find(vectorName);
-    if (pseudonym == pseudonyms.end()) return nullptr;
-    auto const found = vectors.find(pseudonym->second);
-    return found != vectors.end() ? found->second : nullptr;
+    return pseudonym != pseudonyms.end() ? vectors.find(pseudonym->second) : nullptr;
 }
 
 bool Group::enter(dvec * vector) {
-    return vectors.try_emplace(vector->name(), vector).second || nameTaken(__LINE__);
+    return vectors.insert(vector->name(), vector) || nameTaken(__LINE__);
 }
 
 void Group::remove(dvec * vector) {
-    auto const entry = vectors.find(vector->name());
-    if (entry != vectors.end() && entry->second == vector) vectors.erase(entry);
+    if (vectors.find(vector->name()) == vector) vectors.erase(vector->name());
 }
 
 bool Group::rename(dvec * vector, YString const & newName) {
-    auto const taken = vectors.find(newName);
-    if (taken != vectors.end() && taken->second != vector) return nameTaken(__LINE__);
-    auto entry = vectors.extract(vectors.find(vector->name()));
-    entry.key() = newName;
-    vectors.insert(std::move(entry));
+    dvec const * taken = vectors.find(newName);
+    if (taken != nullptr && taken != vector) return nameTaken(__LINE__);
+    vectors.erase(vector->name());
+    vectors.insert(newName, vector); // into memory that is there
     return true;
 }
 
@@ -72,7 +68,7 @@ YArray<dvec *> Group::vectorsInOrder() const {
     };
     YArray<Named> sorted;
     sorted.reserve(vectors.size());
-    for (auto const & entry : vectors) sorted.push_back({entry.second->name().view(), entry.second});
+    vectors.forEach([&sorted](dvec & vector) { sorted.push_back({vector.name().view(), &vector}); });
     std::sort(sorted.begin(), sorted.end(),
               [](Named const & a, Named const & b) { return compareNoCase(a.name, b.name) < 0; });
     YArray<dvec *> inOrder;
@@ -91,7 +87,7 @@ YArray<YString> Group::namesInOrder() const {
 // By name, and looked up again for each: a callback may have deleted a vector that was still to come.
 void Group::forEachVector(std::function<void(dvec &)> const & visit) {
     for (YString const & vectorName : namesInOrder())
-        if (auto const entry = vectors.find(vectorName); entry != vectors.end()) visit(*entry->second);
+        if (dvec * vector = vectors.find(vectorName)) visit(*vector);
 }
 
 void Group::addLabel(YString const & label) {

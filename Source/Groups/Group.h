@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Groups/GroupDataFile.h"
+#include "Groups/VectorTable.h"
 #include "torvelan/Groups.h"
 #include "torvelan/dvec.h"
 
@@ -9,29 +10,6 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <unordered_map>
-
-// A name with its hash, for looking it up in several tables.
-struct HashedName {
-    explicit HashedName(std::string_view name) noexcept : text(name), hash(hashNoCase(name)) {}
-    std::string_view text;
-    std::size_t hash;
-};
-
-// Hash and comparison of names without regard to case, also for text that is no YString yet.
-struct NameHash {
-    using is_transparent = void;
-    // Not noexcept: the table then stores the hash of every entry, and compares hashes before names.
-    std::size_t operator()(std::string_view name) const { return hashNoCase(name); }
-    std::size_t operator()(HashedName const & name) const { return name.hash; }
-};
-struct NameEqual {
-    using is_transparent = void;
-    bool operator()(std::string_view a, std::string_view b) const noexcept { return equalNoCase(a, b); }
-    bool operator()(HashedName const & a, std::string_view b) const noexcept { return equalNoCase(a.text, b); }
-    bool operator()(std::string_view a, HashedName const & b) const noexcept { return equalNoCase(a, b.text); }
-};
-template <class T> using NameTable = std::unordered_map<YString, T, NameHash, NameEqual>;
 
 enum GroupFlags : std::uint32_t {
     GROUP_LOCAL = 2,     // a local context: not shown, not saved
@@ -78,7 +56,7 @@ struct Group {
     std::uint32_t pseudonymCounter = 0; // next number for "$n"
     std::uint32_t runId = 0;            // 0: kept, or of no run; exempt from persistence; see setRunId
     std::uint32_t savedRunId = 0;       // runId while the group is kept
-    NameTable<dvec *> vectors;
+    VectorTable vectors;
     NameTable<YString> pseudonyms;      // pseudonym to vector name
     NameTable<YString> pseudonymOfName; // the other way round
     Group * next = nullptr;             // older neighbour in the list

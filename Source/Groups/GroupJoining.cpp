@@ -13,10 +13,10 @@ public:
 
     void append(dvec const & from) {
         if (equalNoCase(from.name(), "$$RunId")) return;
-        auto const to = target.vectors.find(from.name());
-        if (to == target.vectors.end()) return;
-        appendData(*to->second, from);
-        if (!from.ref.name().empty()) appendData(to->second->ref, from.ref);
+        dvec * to = target.vectors.find(from.name());
+        if (to == nullptr) return;
+        appendData(*to, from);
+        if (!from.ref.name().empty()) appendData(to->ref, from.ref);
     }
 
 private:
