@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+
 namespace {
 
 using Texts = std::vector<std::string>;
@@ -238,8 +240,11 @@ TEST_F(Commands, AVectorIsDiscarded) {
 }
 
 TEST_F(Commands, AReadOnlyVectorLeavesItsGroupAlive) {
+    std::unique_ptr<dvec> const pi(&vector("pi")); // nobody else ends it afterwards
     EXPECT_TRUE(vec_DiscardCommand({"global:pi"}, {}, *handler));
     EXPECT_FALSE(exists("pi"));
+    EXPECT_TRUE(pi->isTemporary());
+    EXPECT_EQ(pi->getReal(0), 3.141592653589793);
     EXPECT_EQ(said(), Texts{});
 }
 
@@ -271,7 +276,8 @@ TEST_F(Commands, AllGroupsMeansThoseThatMayGo) {
     groupNamed("a");
     groupNamed("b");
     vec_PushContext();
-    int deaths = 0;
+    static int deaths; // the global group goes with the session, after this test
+    deaths = 0;
     vec_InstallDeleteNotifyProc("global", noteDeath, &deaths);
     EXPECT_TRUE(vec_DelGroupCommand({"nowhere"}, {.all = true}, *handler));
     EXPECT_EQ(said(), Texts{});
