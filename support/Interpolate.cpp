@@ -11,8 +11,8 @@ constexpr std::int64_t pieceLength = 512;
 constexpr int highestOrder = 64;
 
 int orderFor(InterpOpts const & options, std::int64_t length) noexcept {
-    return static_cast<int>(
-        std::clamp<std::int64_t>(options.order, 1, std::min<std::int64_t>(length - 1, highestOrder)));
+    std::int64_t const highest = std::clamp<std::int64_t>(length - 1, 1, highestOrder); // one point has no pieces
+    return static_cast<int>(std::clamp<std::int64_t>(options.order, 1, highest));
 }
 
 // How many pieces of a stretch hold the target, whichever way they run.
