@@ -87,9 +87,10 @@ VEC_ERROR vec_MakeVector(YString const & group, VectorParam const * y, VectorPar
     }
     if (options.noCreate) return VEC_NO_VECTOR;
     dvec * vector = newMember(*home, *y, options);
-    if (x != nullptr && !x->name.empty()) makeReference(*vector, *home, *x, options);
+    bool const hasReference = x != nullptr && !x->name.empty();
+    if (hasReference) makeReference(*vector, *home, *x, options);
     if (y->type == VD_COMPLEX) vector->setComplexFlag();
-    handOut(*vector, yOut, xOut);
+    handOut(*vector, yOut, hasReference ? xOut : nullptr);
     return VEC_OK;
 }
 

@@ -38,10 +38,10 @@ TORVELAN_API bool vec_TestVectorUsesReference(XYVector const * y, YString const 
 
 // --- making and ending
 // A vector y of a group, with a reference x unless x is null or has no name, ready to be filled: yOut and xOut (either
-// may be null) come to share its data and those of its reference. Vectors of one run share the x vector of the group.
-// An existing vector of y's name is handed out in the same way, and the answer is VEC_EXISTS; unless its kind is not
-// the one asked for: VEC_OTHER_KIND, for an alias VEC_ALIAS_OF_OTHER_KIND. VEC_NO_GROUP; VEC_NO_VECTOR when there is
-// none and none was to be made.
+// may be null) come to share its data and those of its reference, if it has one. Vectors of one run share the x vector
+// of the group. An existing vector of y's name is handed out in the same way, and the answer is VEC_EXISTS; unless its
+// kind is not the one asked for: VEC_OTHER_KIND, for an alias VEC_ALIAS_OF_OTHER_KIND. VEC_NO_GROUP; VEC_NO_VECTOR when
+// there is none and none was to be made.
 TORVELAN_API VEC_ERROR vec_MakeVector(YString const & group, VectorParam const * y, VectorParam const * x,
                                       IfVector * yOut, IfVector * xOut, MakeVectorOptions const & options);
 // A string vector of one element. VEC_NO_GROUP; VEC_EXISTS, and nothing is made, when the name is taken.

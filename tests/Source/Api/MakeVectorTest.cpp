@@ -36,6 +36,7 @@ TEST_F(MakeVectorTest, NewVectorIsAnEmptyMemberThatTheCallerFills) {
     EXPECT_EQ(group->vectors.size(), 1U);
     EXPECT_EQ(yOut.addVal(5.0), VEC_OK);
     EXPECT_EQ(y->getReal(0), 5);
+    EXPECT_EQ(xOut.addVal(5.0), VEC_NO_DATA_RECORD); // there is no reference to fill
 }
 
 TEST_F(MakeVectorTest, UnknownGroup) {
