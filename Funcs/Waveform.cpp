@@ -32,6 +32,11 @@ double numberOr(FuncArgs const & args, int argument, double otherwise, std::int6
     return values != nullptr && element < args.length(argument) ? values[element] : otherwise;
 }
 
+std::string_view textOf(FuncArgs const & args, int argument) {
+    char const * const * const strings = args.stringData(argument);
+    return strings != nullptr && args.length(argument) > 0 && strings[0] != nullptr ? strings[0] : "";
+}
+
 std::int64_t countFrom(double value) noexcept {
     constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
     double const whole = std::trunc(value);

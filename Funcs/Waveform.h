@@ -31,6 +31,8 @@ private:
 bool isGiven(FuncArgs const & args, int argument);
 // A number given as an argument: an element of it, or the other value when it has none there.
 double numberOr(FuncArgs const & args, int argument, double otherwise, std::int64_t element = 0);
+// Element 0 of a string argument; empty when there is none.
+std::string_view textOf(FuncArgs const & args, int argument);
 // A count given as a real number, cut to whole; what lies beyond any memory is the greatest count, NaN is 0.
 std::int64_t countFrom(double value) noexcept;
 // Whether one of the strings of an argument is a word, in any case.

@@ -1,5 +1,7 @@
 #include "support/TextScan.h"
 
+#include <string>
+
 #include <bitset>
 
 namespace {
@@ -30,4 +32,48 @@ int sp_ScanLine(std::string_view text, std::string_view separators, std::string_
         while (p != end && !set.has(*p)) ++p;
         tokens[count] = {start, static_cast<std::size_t>(p - start)};
     }
+}
+
+namespace {
+
+struct Escape {
+    char character, letter;
+};
+constexpr Escape escapes[] = {{'\n', 'n'}, {'\r', 'r'}, {'\t', 't'}, {' ', 's'}};
+
+// What stands behind the escape character, or NUL for a character that needs none.
+char letterFor(char character, bool replaceSpaces, char escape) noexcept {
+    if (character == escape) return escape;
+    for (Escape const & row : escapes)
+        if (row.character == character) return character != ' ' || replaceSpaces ? row.letter : '\0';
+    return '\0';
+}
+
+char characterFor(char letter) noexcept {
+    for (Escape const & row : escapes)
+        if (row.letter == letter) return row.character;
+    return letter;
+}
+
+} // namespace
+
+YString sp_EscapeStringEncode(std::string_view text, bool replaceSpaces, char escape) {
+    std::string out;
+    out.reserve(text.size());
+    for (char const character : text) {
+        char const letter = letterFor(character, replaceSpaces, escape);
+        if (letter != '\0') out += escape;
+        out += letter != '\0' ? letter : character;
+    }
+    return YString(out);
+}
+
+YString sp_EscapeString(std::string_view text, char escape) {
+    std::string out;
+    out.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        bool const isEscape = text[i] == escape && i + 1 < text.size();
+        out += isEscape ? characterFor(text[++i]) : text[i];
+    }
+    return YString(out);
 }

@@ -2,11 +2,13 @@
 
 #include "Evaluation/CallFrame.h"
 #include "Evaluation/Operators.h"
+#include "Evaluation/ScriptFunctions.h"
 #include "Groups/GroupStore.h"
 #include "support/Numbers.h"
 #include "torvelan/Substitution.h"
 
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -36,6 +38,54 @@ std::string joinTexts(ExprValue const * first) {
     return text;
 }
 
+ExprValue * newValue(YString text, dvec * vector) {
+    ExprValue * value = EvaluationDepth::newValue();
+    value->text = std::move(text);
+    value->vector = vector;
+    return value;
+}
+
+// What a name calls: a registered function, or a script, which Execute runs in its place.
+struct Callee {
+    FuncInfo * info = nullptr; // null when there is no such function
+    YString name = {};         // for text forms
+    bool isScript = false;
+    YString script = {};
+    int minArgs = 0, maxArgs = 0; // of a script
+};
+
+Callee findCallee(YString const & name) {
+    if (FuncInfo * const info = vec_FindFunction(name)) return {.info = info, .name = info->name};
+    ScriptFunction const * const function = findScriptFunction(name);
+    if (function == nullptr) return {.name = name};
+    return {vec_FindFunction("Execute"), function->name,    true,
+            function->scriptName,        function->minArgs, function->maxArgs};
+}
+
+bool acceptsCount(Callee const & callee, ExprValue const * arguments, MessageHandler & messages) {
+    int count = 0;
+    for (ExprValue const * value = arguments; value != nullptr; value = value->next) ++count;
+    if (count > callee.maxArgs)
+        messages.error("Too many arguments to function '%s'", callee.name);
+    else if (count < callee.minArgs)
+        messages.error("Insufficient number of arguments to function '%s'", callee.name);
+    else
+        return true;
+    return false;
+}
+
+// The script's name goes in front of the arguments. The context tells handlers of it during this call alone.
+ExprValue * callScript(ParseState & state, Callee const & callee, ExprValue * arguments, YString text) {
+    if (!acceptsCount(callee, arguments, state.messages())) return nullptr;
+    ExprValue * const script =
+        newValue(callee.script, new dvec(callee.script, callee.script.view(), nullptr, PT_UNKNOWN));
+    script->next = arguments;
+    bool const outer = std::exchange(state.context.scriptFunction, true);
+    ExprValue * const result = call(state, *callee.info, callee.info->name, script, std::move(text));
+    state.context.scriptFunction = outer;
+    return result;
+}
+
 // How a vector is written in text forms: the text stays a valid name while the display group is current.
 YString displayName(ParseState const & state, dvec const & vector, bool wasQualified) {
     Group const * group = vector.owner();
@@ -49,13 +99,6 @@ void reportMissingVector(ParseState & state, YString const & name) {
     Group const * current = nameSpace().current;
     state.messages().error("Cannot find vector of name '%s'",
                            current != nullptr ? current->resolvePseudonym(name) : name);
-}
-
-ExprValue * newValue(YString text, dvec * vector) {
-    ExprValue * value = EvaluationDepth::newValue();
-    value->text = std::move(text);
-    value->vector = vector;
-    return value;
 }
 
 ExprValue * substituteCall(ParseState & state, YString const & name, ExprValue * arguments) {
@@ -140,17 +183,18 @@ ExprValue * stringValue(ParseState & state, Token const * string) {
 ExprValue * functionCall(ParseState & state, Token const * name, ExprValue * arguments) {
     if (anyFailed(state, arguments)) return nullptr;
     if (arguments->emptyArgs) arguments = nullptr;
-    FuncInfo * info = vec_FindFunction(name->text);
-    YString const & shown = info != nullptr ? info->name : name->text;
+    Callee const callee = findCallee(name->text);
+    YString const & shown = callee.name;
     if (state.substitution != nullptr && state.substitution->substitutesFunctions())
         return substituteCall(state, shown, arguments);
     YString text = YString::joined(shown, {"(", joinTexts(arguments), ")"});
     if (state.substitution != nullptr) return newValue(std::move(text), nullptr);
-    if (info == nullptr) {
+    if (callee.info == nullptr) {
         state.messages().error("The function '%s' does not exist", name->text);
         return nullptr;
     }
-    return call(state, *info, name->text, arguments, std::move(text));
+    return callee.isScript ? callScript(state, callee, arguments, std::move(text))
+                           : call(state, *callee.info, name->text, arguments, std::move(text));
 }
 
 ExprValue * emptyArguments() {

@@ -21,6 +21,12 @@ private:
     YRef<MessageHandler> messages_; // never null
 };
 
+// The host's script interpreter, registered by MakeDynamicFunction under "scp_Execute" (see Host.h): runs a script
+// line, "script /ne @$execute_rv $execute_arg1 ...", whose first part may hold the escapes |n, |r, |t and ||. The
+// vectors named are in the local group; "@" marks the one that the script writes its result to. False after a message
+// when the script failed.
+using ScriptInterpreter = bool (*)(char const * line, ScpParseContext const & context);
+
 // One real number. *out is 0.0 unless the answer is VEC_EVAL_OK, which needs a real value of length 1. Names are looked
 // up in the local and global groups only. The temporary waits for collection.
 TORVELAN_API VecEvalError vec_Evaluate(double * out, YString const & expr, ScpParseContext const & context);

@@ -53,3 +53,20 @@ TEST(ScanLine, TokensAreViewsOfTheText) {
 }
 
 } // namespace
+
+TEST(EscapeString, KeepsATextOnOneLine) {
+    EXPECT_EQ(sp_EscapeStringEncode("a b\n\tc\\", false), YString("a b\\n\\tc\\\\"));
+    EXPECT_EQ(sp_EscapeStringEncode("a b", true), YString("a\\sb"));
+    EXPECT_EQ(sp_EscapeStringEncode("a|b\\\n", false, '|'), YString("a||b\\|n"));
+}
+
+TEST(EscapeString, ComesBackAsItWas) {
+    std::string const text = " x\r\n\t\\|snrt\\s ";
+    for (char const escape : {'\\', '|'})
+        for (bool const spaces : {false, true})
+            EXPECT_EQ(sp_EscapeString(sp_EscapeStringEncode(text, spaces, escape).view(), escape), YString(text));
+}
+
+TEST(EscapeString, AnUnknownLetterStandsForItself) {
+    EXPECT_EQ(sp_EscapeString("\\a\\\"b\\"), YString("a\"b\\"));
+}
