@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 Waveform::Waveform(FuncArgs const & args, int argument)
@@ -67,6 +68,15 @@ double * resultLike(FuncArgs const & args, FuncResult & result, std::int64_t n, 
     if (!result.takeStorage(args, 0, n)) result.allocate(n, ALLOC_HINT, args.totalLength(0));
     result.copyRefFromArgs(args, ALLOC_HINT, args.totalLength(0), 0);
     return result.data();
+}
+
+void giveStrings(FuncResult & result, std::vector<std::string> const & texts) {
+    if (texts.empty()) return;
+    char ** out = result.makeString(static_cast<std::int64_t>(texts.size()));
+    for (std::string const & text : texts) {
+        *out = strdup(text.c_str());
+        if (*out++ == nullptr) throw MemoryException("Detected in giveStrings");
+    }
 }
 
 void giveNumber(FuncResult & result, double value, PhysType physType) {

@@ -5,6 +5,7 @@
 #include "torvelan/Functions.h"
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -45,5 +46,7 @@ FUNC_ERROR refuseRange(char const * name, MessageHandler & messages);
 // A real result of n elements over the reference of argument 0, for a loop whose `out` may be the argument: its memory
 // is taken where it is a temporary.
 double * resultLike(FuncArgs const & args, FuncResult & result, std::int64_t n, PhysType physType);
+// String elements, of a call that makes one division.
+void giveStrings(FuncResult & result, std::vector<std::string> const & texts);
 // One real element, of the result of a call that gives one a division.
 void giveNumber(FuncResult & result, double value, PhysType physType);

@@ -77,3 +77,16 @@ YString sp_EscapeString(std::string_view text, char escape) {
     }
     return YString(out);
 }
+
+YString sp_ResolveWireTemplate(std::string_view pattern, std::string_view bus, std::int64_t wire) {
+    constexpr std::string_view busMark = "%BUSNAME%", wireMark = "%WIRENUM%";
+    std::string const number = std::to_string(wire);
+    std::string out;
+    while (!pattern.empty()) {
+        bool const isBus = equalNoCase(pattern.substr(0, busMark.size()), busMark);
+        bool const isWire = equalNoCase(pattern.substr(0, wireMark.size()), wireMark);
+        out += isBus ? bus : isWire ? std::string_view(number) : pattern.substr(0, 1);
+        pattern.remove_prefix(isBus ? busMark.size() : isWire ? wireMark.size() : 1);
+    }
+    return YString(out);
+}

@@ -3,6 +3,7 @@
 
 #include "torvelan/YString.h"
 
+#include <cstdint>
 #include <string_view>
 
 // Splits at any of the separators into at most maxTokens tokens; runs of separators count as one. The answer is the
@@ -14,3 +15,6 @@ int sp_ScanLine(std::string_view text, std::string_view separators, std::string_
 YString sp_EscapeStringEncode(std::string_view text, bool replaceSpaces, char escape = '\\');
 // The other way round. An escape character before any other one stands for that one.
 YString sp_EscapeString(std::string_view text, char escape = '\\');
+
+// The name of one wire of a bus: a pattern in which "%BUSNAME%" and "%WIRENUM%" stand for name and number, in any case.
+YString sp_ResolveWireTemplate(std::string_view pattern, std::string_view bus, std::int64_t wire);

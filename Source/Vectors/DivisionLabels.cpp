@@ -1,4 +1,6 @@
 // Labels of divisions as text: the stored form keeps the value of a swept parameter to the last bit.
+#include "Vectors/DivisionLabels.h"
+
 #include "torvelan/Vectors.h"
 
 #include "support/Numbers.h"
@@ -59,13 +61,17 @@ std::string_view takeUpTo(std::string_view & text, char separator) noexcept {
     return token;
 }
 
-// A part that does not have the stored form is plain text, and shown as it is.
-std::string displayed(std::string_view part) {
-    if (std::ranges::count(part, fieldSeparator) != fieldCount - 1) return std::string(part);
-    std::string text(takeUpTo(part, fieldSeparator));
-    text += '=';
-    text += sp_ConvertRealToJSEng(valueOf(takeUpTo(part, fieldSeparator)), displayDigits, false).view();
-    return text;
+DivisionLabelPart parsePart(std::string_view part) {
+    if (std::ranges::count(part, fieldSeparator) != fieldCount - 1) return {.name = std::string(part)};
+    DivisionLabelPart parsed{.name = std::string(takeUpTo(part, fieldSeparator)), .hasValue = true};
+    parsed.value = valueOf(takeUpTo(part, fieldSeparator));
+    parsed.physType = sp_GetPhysTypeFromString(YString(part));
+    return parsed;
+}
+
+std::string displayed(DivisionLabelPart const & part) {
+    if (!part.hasValue) return part.name;
+    return part.name + "=" + std::string(sp_ConvertRealToJSEng(part.value, displayDigits, false));
 }
 
 } // namespace
@@ -80,12 +86,16 @@ YString vec_ComposeDivisionString(YString const & label, double value, PhysType 
     return text;
 }
 
+std::vector<DivisionLabelPart> parseDivisionLabel(std::string_view stored) {
+    std::vector<DivisionLabelPart> parts;
+    for (auto left = std::ranges::count(stored, partSeparator) + 1; left > 0; --left)
+        parts.push_back(parsePart(takeUpTo(stored, partSeparator)));
+    return parts;
+}
+
 YString vec_ComposeDivisionLabel(YString const & stored) {
-    std::string_view rest = stored.view();
     std::string text;
-    for (auto parts = std::ranges::count(rest, partSeparator) + 1; parts > 0; --parts) {
-        text += displayed(takeUpTo(rest, partSeparator));
-        if (parts > 1) text += partSeparator;
-    }
-    return text;
+    for (DivisionLabelPart const & part : parseDivisionLabel(stored.view())) text += displayed(part) + partSeparator;
+    text.pop_back();
+    return YString(text);
 }

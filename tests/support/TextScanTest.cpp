@@ -70,3 +70,11 @@ TEST(EscapeString, ComesBackAsItWas) {
 TEST(EscapeString, AnUnknownLetterStandsForItself) {
     EXPECT_EQ(sp_EscapeString("\\a\\\"b\\"), YString("a\"b\\"));
 }
+
+TEST(WireTemplate, PutsNameAndNumberInTheirPlaces) {
+    EXPECT_EQ(sp_ResolveWireTemplate("%BUSNAME%#%WIRENUM%", "data", 7), YString("data#7"));
+    EXPECT_EQ(sp_ResolveWireTemplate("x_%wirenum%_%BusName%%BUSNAME%", "d", -1), YString("x_-1_dd"));
+    EXPECT_EQ(sp_ResolveWireTemplate("100%% %BUS", "d", 0), YString("100%% %BUS"));
+    EXPECT_EQ(sp_ResolveWireTemplate("", "d", 0), YString());
+    EXPECT_EQ(sp_ResolveWireTemplate("%BUSNAME%", "%WIRENUM%", 3), YString("%WIRENUM%")) << "what is put in stays";
+}
