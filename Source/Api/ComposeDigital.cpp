@@ -34,10 +34,42 @@ struct Event {
 
 using Wires = std::vector<dvec const *>; // bit 0 first
 
+struct Sample {
+    double x, y;
+};
+
+// One division of a wire, from its least x on: a sweep downwards is read from its end.
+class Samples {
+public:
+    Samples(dvec const & wire, std::int64_t division)
+        : x_(dataOf(wire.ref, division)), y_(dataOf(wire, division)),
+          n_(std::min(lengthOf(wire.ref, division), lengthOf(wire, division))), falls_(n_ > 1 && x_[0] > x_[n_ - 1]) {}
+
+    std::int64_t size() const noexcept { return n_; }
+    Sample operator[](std::int64_t i) const noexcept {
+        std::int64_t const at = falls_ ? n_ - 1 - i : i;
+        return {x_[at], y_[at]};
+    }
+
+private:
+    // What has one division only is the same for all of them.
+    static std::int64_t shown(BaseVector const & v, std::int64_t division) noexcept {
+        return v.numDivisions() > 1 ? division : 0;
+    }
+    static double const * dataOf(BaseVector const & v, std::int64_t division) { return v.realData(shown(v, division)); }
+    static std::int64_t lengthOf(BaseVector const & v, std::int64_t division) noexcept {
+        return v.isReal() ? v.length(shown(v, division)) : 0;
+    }
+
+    double const *x_, *y_;
+    std::int64_t n_;
+    bool falls_;
+};
+
 // Where the line from one sample to the next passes a level; at the later one where that cannot be told.
-double crossing(double const * x, double const * y, double level) noexcept {
-    double const at = x[0] + (x[1] - x[0]) * ((level - y[0]) / (y[1] - y[0]));
-    return at >= std::min(x[0], x[1]) && at <= std::max(x[0], x[1]) ? at : x[1];
+double crossing(Sample const & a, Sample const & b, double level) noexcept {
+    double const at = a.x + (b.x - a.x) * ((level - a.y) / (b.y - a.y));
+    return at >= std::min(a.x, b.x) && at <= std::max(a.x, b.x) ? at : b.x;
 }
 
 class WireEvents {
@@ -45,21 +77,22 @@ public:
     WireEvents(Levels const & levels, unsigned char wire, std::vector<Event> & out)
         : levels_(levels), wire_(wire), out_(out) {}
 
-    void collect(double const * x, double const * y, std::int64_t n) {
-        State state = levels_.stateOf(y[0]);
-        add(x[0], state);
-        for (std::int64_t i = 1; i < n; ++i) {
-            State const next = levels_.stateOf(y[i]);
-            if (next != state) pass(x + i - 1, y + i - 1, state, next);
+    void collect(Samples const & samples) {
+        if (samples.size() == 0) return;
+        State state = levels_.stateOf(samples[0].y);
+        add(samples[0].x, state);
+        for (std::int64_t i = 1; i < samples.size(); ++i) {
+            State const next = levels_.stateOf(samples[i].y);
+            if (next != state) pass(samples[i - 1], samples[i], state, next);
             state = next;
         }
     }
 
 private:
     // A wire leaves a state at the level of that state, and enters one at the level of the other.
-    void pass(double const * x, double const * y, State from, State to) {
-        if (from != invalid && levels_.low < levels_.high) add(crossing(x, y, levelOf(from)), invalid);
-        if (to != invalid) add(crossing(x, y, levelOf(to)), to);
+    void pass(Sample const & a, Sample const & b, State from, State to) {
+        if (from != invalid && levels_.low < levels_.high) add(crossing(a, b, levelOf(from)), invalid);
+        if (to != invalid) add(crossing(a, b, levelOf(to)), to);
     }
     double levelOf(State state) const noexcept { return state == one ? levels_.high : levels_.low; }
     void add(double time, State state) {
@@ -157,18 +190,19 @@ dvec const * findWire(FuncArgs const & args, std::int64_t number) {
 }
 
 bool isWire(dvec const * vector) {
-    return vector != nullptr && vector->isReal() && vector->length() > 0 && vector->ref.isReal() &&
-           vector->ref.length() >= vector->length();
+    return vector != nullptr && vector->isReal() && vector->totalLength() > 0 && vector->ref.isReal() &&
+           vector->ref.totalLength() > 0;
 }
 
 // The wires 0, 1, 2 and so on as far as there are any, or from one number to another; bit 0 first. Empty when one that
 // was asked for is missing.
 Wires findWires(FuncArgs const & args) {
     Wires wires;
-    std::int64_t const first = countFrom(numberOr(args, 1, 0));
+    constexpr std::int64_t mostNumber = std::int64_t{1} << 53; // of those that a real tells apart
+    std::int64_t const first = std::clamp(countFrom(numberOr(args, 1, 0)), -mostNumber, mostNumber);
     bool const isOpen = args.length(1) < 2;
-    std::int64_t const last =
-        isOpen ? first + static_cast<std::int64_t>(mostWires) : countFrom(numberOr(args, 1, 0, 1));
+    std::int64_t const last = isOpen ? first + static_cast<std::int64_t>(mostWires)
+                                     : std::clamp(countFrom(numberOr(args, 1, 0, 1)), -mostNumber, mostNumber);
     std::int64_t const step = last < first ? -1 : 1;
     for (std::int64_t number = first; wires.size() <= mostWires; number += step) {
         dvec const * const wire = findWire(args, number);
@@ -186,25 +220,62 @@ Levels levelsFor(FuncArgs const & args, Wires const & wires) {
         return {low, numberOr(args, 2, low, 1)};
     }
     double least = std::numeric_limits<double>::infinity(), greatest = -least;
-    for (dvec const * wire : wires) {
-        auto const [low, high] = std::minmax_element(wire->realData(), wire->realData() + wire->length());
-        least = std::min(least, *low);
-        greatest = std::max(greatest, *high);
-    }
+    for (dvec const * wire : wires)
+        for (std::int64_t d = 0; d < wire->numDivisions(); ++d) {
+            double const * const y = wire->realData(d);
+            if (y == nullptr) continue;
+            auto const [low, high] = std::minmax_element(y, y + wire->length(d));
+            least = std::min(least, *low);
+            greatest = std::max(greatest, *high);
+        }
     double const middle = least + (greatest - least) / 2;
     return {middle, middle};
 }
 
-Steps compose(Wires const & wires, Levels const & levels, Coding const & coding) {
+Steps compose(Wires const & wires, std::int64_t division, Levels const & levels, Coding const & coding) {
     std::vector<Event> events;
     double end = -std::numeric_limits<double>::infinity();
     for (std::size_t k = 0; k < wires.size(); ++k) {
-        double const * const x = wires[k]->ref.realData();
-        std::int64_t const n = wires[k]->length();
-        WireEvents(levels, static_cast<unsigned char>(k), events).collect(x, wires[k]->realData(), n);
-        end = std::max(end, x[n - 1]);
+        Samples const samples(*wires[k], division);
+        WireEvents(levels, static_cast<unsigned char>(k), events).collect(samples);
+        if (samples.size() > 0) end = std::max(end, samples[samples.size() - 1].x);
     }
     return trace(events, coding, end);
+}
+
+// The wire with the most divisions; null when another one has several too, but not as many.
+dvec const * widestWire(Wires const & wires) {
+    dvec const * widest = wires.front();
+    for (dvec const * wire : wires)
+        if (wire->numDivisions() > widest->numDivisions()) widest = wire;
+    for (dvec const * wire : wires)
+        if (wire->numDivisions() != 1 && wire->numDivisions() != widest->numDivisions()) return nullptr;
+    return widest;
+}
+
+// A further division of the result.
+void give(FuncResult & result, Steps const & steps, std::int64_t divisions) {
+    auto const n = static_cast<std::int64_t>(steps.x.size());
+    result.setDivision(divisions);
+    result.allocate(n, ALLOC_HINT, n);
+    result.allocateRef(n, ALLOC_HINT, n);
+    std::copy(steps.y.begin(), steps.y.end(), result.data());
+    std::copy(steps.x.begin(), steps.x.end(), result.refData());
+}
+
+// A division without points is left out, and its label with it.
+void giveDivisions(FuncResult & result, Wires const & wires, dvec const & widest, Levels const & levels,
+                   Coding const & coding) {
+    NameArray labels, kept;
+    widest.divisionLabels(&labels);
+    for (std::int64_t d = 0; d < widest.numDivisions(); ++d) {
+        Steps const steps = compose(wires, d, levels, coding);
+        if (steps.x.empty()) continue;
+        give(result, steps, static_cast<std::int64_t>(kept.size()));
+        kept.push_back(labels[static_cast<std::size_t>(d)]);
+    }
+    if (kept.size() > 1) result.setDivisionLabelArray(kept);
+    if (kept.size() > 1 && widest.isMultiple()) result.setMultiple();
 }
 
 FUNC_ERROR composeDigital(FuncArgs const & args, FuncResult & result, MessageHandler & messages) {
@@ -214,17 +285,13 @@ FUNC_ERROR composeDigital(FuncArgs const & args, FuncResult & result, MessageHan
         messages.error("A bus in function '%s' has %d wires at most", args.getFuncName(), static_cast<int>(mostWires));
         return FUNC_FAILED;
     }
+    dvec const * const widest = widestWire(wires);
+    if (widest == nullptr) return FUNC_OK;
     bool const holds = hasWord(args, 3, "holdInvalid") || hasWord(args, 3, "holdInv");
     Coding const coding{wires.size(), hasWord(args, 3, "signed"), hasWord(args, 3, "scale"), holds};
-    Steps const steps = compose(wires, levelsFor(args, wires), coding);
-    if (steps.x.empty()) return FUNC_OK;
-    auto const n = static_cast<std::int64_t>(steps.x.size());
     result.setType(VD_REAL, VD_REAL);
     result.setPhysType(PT_NONE, wires.front()->ref.physType());
-    result.allocate(n, ALLOC_HINT, n);
-    result.allocateRef(n, ALLOC_HINT, n);
-    std::copy(steps.y.begin(), steps.y.end(), result.data());
-    std::copy(steps.x.begin(), steps.x.end(), result.refData());
+    giveDivisions(result, wires, *widest, levelsFor(args, wires), coding);
     result.setRefName(wires.front()->ref.name());
     return FUNC_OK;
 }

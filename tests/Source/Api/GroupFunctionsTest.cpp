@@ -40,6 +40,11 @@ protected:
         for (std::int64_t i = 0; i < vector.length(); ++i) out.push_back(vector.getReal(i));
         return out;
     }
+    static Reals divisionOf(BaseVector const & vector, std::int64_t division) {
+        Reals out;
+        for (std::int64_t i = 0; i < vector.length(division); ++i) out.push_back(vector.getReal(i, division));
+        return out;
+    }
     // No value and no message but that of the empty result.
     void expectNothing(std::string const & expr) {
         handler->clear();
@@ -396,6 +401,53 @@ TEST_F(GroupFunctions, ABusAgreesWithItsWiresEverywhere) {
         auto const place = std::upper_bound(times, times + bus->length(), at) - times - 1;
         ASSERT_TRUE(isNearEdge || bus->getReal(place) == wanted) << at << ", seed " << seed;
     }
+}
+
+TEST_F(GroupFunctions, WiresOfASteppedRunGiveABusForEachDivision) {
+    std::string const g = group("", "g");
+    dvec & low = member(g, "d#0", {0, 5}, {0, 2});
+    for (double at : {1.0, 2.0}) vec_AddGroupDivision(YString(g), label("r1", at));
+    low.addDivision(YString(g));
+    low.ref.addDivision(YString(g));
+    for (double v : {5.0, 0.0}) low.addVal(v);
+    for (double x : {0.0, 4.0}) low.ref.addVal(x);
+    member(g, "d#1", {5, 5}, {0, 1});
+    XYVector const * const bus = value("ComposeDigital('d',[0,1],2.5)");
+    ASSERT_NE(bus, nullptr);
+    ASSERT_EQ(bus->numDivisions(), 2);
+    ASSERT_EQ(bus->ref.numDivisions(), 2);
+    EXPECT_EQ(divisionOf(*bus, 0), (Reals{2, 2, 3, 3}));
+    EXPECT_EQ(divisionOf(bus->ref, 0), (Reals{0, 1, 1, 2}));
+    EXPECT_EQ(divisionOf(*bus, 1), (Reals{3, 3, 2, 2}));
+    EXPECT_EQ(divisionOf(bus->ref, 1), (Reals{0, 2, 2, 4}));
+    EXPECT_EQ(bus->divisionLabel(1), label("r1", 2));
+    EXPECT_EQ(reals("GetVecStepVals(ComposeDigital('d',[0,1]))"), (Reals{1, 2}));
+
+    dvec & third = member(g, "d#2", {0}, {0});
+    for (int i = 0; i < 2; ++i) {
+        third.addDivision(YString(g));
+        third.addVal(1);
+    }
+    expectNothing("ComposeDigital('d')");
+}
+
+TEST_F(GroupFunctions, SweepsDownwardsGiveTheBusOfThoseUpwards) {
+    std::string const g = group("", "g");
+    member(g, "up#0", {5, 5, 0, 0}, {0, 1, 2, 3});
+    member(g, "up#1", {0, 5}, {0, 3});
+    member(g, "down#0", {0, 0, 5, 5}, {3, 2, 1, 0});
+    member(g, "down#1", {5, 0}, {3, 0});
+    EXPECT_EQ(reals("ComposeDigital('up')"), (Reals{1, 1, 2, 2})) << "both pass the middle at 1.5";
+    EXPECT_EQ(reals("ComposeDigital('down')"), reals("ComposeDigital('up')"));
+    EXPECT_EQ(reals("Ref(ComposeDigital('down'))"), (Reals{0, 1.5, 1.5, 3}));
+}
+
+TEST_F(GroupFunctions, NumbersOfWiresMayBeAny) {
+    std::string const g = group("", "g");
+    member(g, "d#-1", {0, 5}, {0, 2});
+    EXPECT_EQ(reals("ComposeDigital('d',[-1,-1],2.5)"), (Reals{0, 0, 1, 1}));
+    for (char const * wires : {"1e300", "-1e300", "[0,1e300]", "[-1e300,1e300]", "[1e300,-1e300]"})
+        expectNothing(std::string("ComposeDigital('d',") + wires + ")");
 }
 
 TEST_F(GroupFunctions, OddWiresDoNoHarm) {
