@@ -1,5 +1,6 @@
 // Registers the elementwise and reducing functions.
 
+#include "Evaluation/PlacedFunction.h"
 #include "Funcs/MathTable.h"
 #include "Funcs/VectorCounts.h"
 
@@ -78,7 +79,7 @@ FuncInfo describe(Registration const & function) {
 
 struct Registrar {
     Registrar() {
-        for (Registration const & function : functions) FuncDef{describe(function)};
+        for (Registration const & function : functions) PlacedFunction{describe(function)};
     }
 };
 

@@ -1,9 +1,11 @@
 #include "Funcs/FunctionFamily.h"
 
-FunctionFamily::FunctionFamily(std::span<FunctionRow const> rows) {
+#include "Evaluation/PlacedFunction.h"
+
+FunctionFamily::FunctionFamily(std::span<FunctionRow const> rows, std::source_location place) {
     for (FunctionRow const & row : rows) {
         FuncInfo info(row.name, row.types, row.minArgs, row.maxArgs, row.handler, row.multiDefs, false);
         info.summary = row.summary;
-        FuncDef{info};
+        PlacedFunction{info, place};
     }
 }

@@ -3,6 +3,7 @@
 
 #include "torvelan/Functions.h"
 
+#include <source_location>
 #include <span>
 
 // What most handlers need of a call, and the handler around it.
@@ -24,8 +25,10 @@ struct FunctionRow {
     char const * summary;
 };
 
-// Registers each row, from a static initialiser; the table need not outlive it.
+// Registers each row, from a static initialiser, and the place of the family as the place of its functions; the table
+// need not outlive it.
 class FunctionFamily {
 public:
-    explicit FunctionFamily(std::span<FunctionRow const> rows);
+    explicit FunctionFamily(std::span<FunctionRow const> rows,
+                            std::source_location place = std::source_location::current());
 };

@@ -2,6 +2,7 @@
 
 #include "Evaluation/ElementBlocks.h"
 #include "Evaluation/EvaluatorHandlers.h"
+#include "Evaluation/PlacedFunction.h"
 #include "Evaluation/StringOperators.h"
 
 #include <algorithm>
@@ -274,8 +275,8 @@ FuncInfo choice(char const * name, FuncHandler handler, char const * summary) {
     return info;
 }
 
-FuncDef const maxFunction(choice("max", rowHandler<MAXIMUM>, "The greater of two values, element by element"));
-FuncDef const minFunction(choice("min", rowHandler<MINIMUM>, "The lesser of two values, element by element"));
+PlacedFunction const maxFunction(choice("max", rowHandler<MAXIMUM>, "The greater of two values, element by element"));
+PlacedFunction const minFunction(choice("min", rowHandler<MINIMUM>, "The lesser of two values, element by element"));
 
 } // namespace
 

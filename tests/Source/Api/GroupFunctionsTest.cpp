@@ -307,6 +307,19 @@ TEST_F(GroupFunctions, TimersOfFunctions) {
                             [](std::string const & text) { return text.find("sin") != std::string::npos; }));
 }
 
+TEST_F(GroupFunctions, EachHasAPlaceInTheSources) {
+    YList<FuncLocInfo> places;
+    vec_GetFunctionLocs(&places);
+    for (auto [name, file] :
+         {std::pair{"Groups", "/GrpFunc.cpp"}, {"length", "/Cmath1.cpp"}, {"max", "/Operators.cpp"}}) {
+        auto const at = std::find_if(places.begin(), places.end(), [=](auto const & row) { return row.name == name; });
+        ASSERT_NE(at, places.end()) << name;
+        EXPECT_TRUE(at->file.view().ends_with(file)) << at->file.view();
+        EXPECT_GT(at->line, 0) << name;
+        EXPECT_FALSE(at->modulePath.empty()) << name;
+    }
+}
+
 // --- ComposeDigital
 
 TEST_F(GroupFunctions, ABusIsTheSumOfItsBits) {
