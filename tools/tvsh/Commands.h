@@ -11,6 +11,7 @@ int runEval(Arguments const & arguments);
 int runFunctions(Arguments const & arguments);
 int runList(Arguments const & arguments);
 int runPrint(Arguments const & arguments);
+int runScript(Arguments const & arguments);
 int runPrompt(std::vector<std::string> const & files); // which it opens first
 
 struct CommandRow {

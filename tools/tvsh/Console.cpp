@@ -42,11 +42,12 @@ void writeError(std::string_view text) {
     std::fwrite(text.data(), 1, text.size(), stderr);
 }
 
-void writeMessage(MessageLevel level, std::string_view text) {
+void writeMessage(MessageLevel level, std::string_view text, std::string_view location) {
     if (level == MessageLevel::print) return writeOut(text);
     std::string const label = std::string(rowOf(level).name) + ": ";
     std::string const line = usesColour() ? rowOf(level).colour + label + "\033[0m" : label;
-    writeError(line + std::string(withoutTrailingSpace(text)) + "\n");
+    std::string const where = location.empty() ? "" : std::string(location) + ": ";
+    writeError(where + line + std::string(withoutTrailingSpace(text)) + "\n");
 }
 
 int finishOutput(int status) {
@@ -62,7 +63,7 @@ char const * levelName(MessageLevel level) {
 void ConsoleMessages::finalOutput(MessageLevel level, YString const & text) {
     bool const addSubject =
         !subject_.empty() && level != MessageLevel::print && text.view().find(subject_) == std::string_view::npos;
-    writeMessage(level, addSubject ? subject_ + ": " + std::string(text.view()) : std::string(text.view()));
+    writeMessage(level, addSubject ? subject_ + ": " + std::string(text.view()) : std::string(text.view()), location_);
 }
 
 void RecordedMessages::finalOutput(MessageLevel level, YString const & text) {

@@ -10,20 +10,23 @@
 void writeOut(std::string_view text);
 void writeError(std::string_view text);
 // "error: text", on standard error; printed text of the engine goes to standard output as it is.
-void writeMessage(MessageLevel level, std::string_view text);
+void writeMessage(MessageLevel level, std::string_view text, std::string_view location = {});
 // Writes out what is pending; `status`, or exitOutput with a message when standard output could not take all.
 int finishOutput(int status);
 
 char const * levelName(MessageLevel level); // "error", "warning", "info"
 
-// Shows messages at once. While a subject is set, normally a file, they begin with it unless they name it themselves.
+// Shows messages at once. While a subject is set, normally a file, they begin with it unless they name it themselves. A
+// location, "script:line", stands ahead of the level.
 class ConsoleMessages final : public MessageHandler {
 public:
     void finalOutput(MessageLevel level, YString const & text) override;
     void setSubject(std::string subject) { subject_ = std::move(subject); }
+    void setLocation(std::string location) { location_ = std::move(location); }
+    std::string const & location() const noexcept { return location_; }
 
 private:
-    std::string subject_;
+    std::string subject_, location_;
 };
 
 // Keeps messages for later.

@@ -16,6 +16,7 @@ constexpr CommandRow rows[] = {
     {"eval", "evaluate expressions", runEval},
     {"list", "list the groups and vectors of files", runList},
     {"print", "print vectors of a file as a table", runPrint},
+    {"run", "run a script", runScript},
     {"functions", "list the functions of expressions", runFunctions},
 };
 
@@ -23,7 +24,8 @@ std::string overview() {
     std::string text = "Commands ('tvsh COMMAND --help' tells more):\n";
     for (CommandRow const & row : rows)
         text += "  " + std::string(row.name) + std::string(12 - std::strlen(row.name), ' ') + row.summary + "\n";
-    return text + "Without a command tvsh is a prompt: each line is an expression, 'quit' ends it.\n"
+    return text + "Without a command tvsh is a prompt: each line is a command or an expression,\n"
+                  "'Help' lists the commands, 'Quit' ends it.\n"
                   "Example: tvsh --open startup.raw\n\n"
                   "Exit status: 0 done; 1 a check that was asked for failed; 2 wrong usage; 3 an input could not be\n"
                   "read or is damaged; 4 an expression failed; 5 an output could not be written; 130 interrupted.";
