@@ -1,5 +1,8 @@
 #include "LineReader.h"
 
+#include "ScriptCommands.h"
+#include "Words.h"
+
 #include "torvelan/Functions.h"
 #include "torvelan/Groups.h"
 
@@ -7,7 +10,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <memory>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -23,16 +28,21 @@ using HeapText = std::unique_ptr<char, Free>;
 char promptText[] = "tvsh> ";
 char wordBreaks[] = " \t,()[]{}+-*/^<>=!&|?;'";
 char const programName[] = "tvsh";
+constexpr int longestHistory = 1000;
 
 void addMatch(std::vector<std::string> & matches, YString const & name, std::string_view start) {
     if (equalNoCase(name.view().substr(0, start.size()), start)) matches.emplace_back(name.view());
 }
 
-std::vector<std::string> namesBeginningWith(std::string_view start) {
-    std::vector<std::string> matches;
+void addFunctions(std::vector<std::string> & matches, std::string_view start) {
     YList<FunctionInfo> functions;
     vec_GetFunctions(&functions, false);
+    vec_GetScriptFunctions(&functions);
     for (FunctionInfo const & function : functions) addMatch(matches, function.name, start);
+}
+
+// Of the current and the local group as they stand, and "group:name" of all groups once a group is written.
+void addVectors(std::vector<std::string> & matches, std::string_view start) {
     YString local;
     vec_GetLocalGroupName(&local);
     for (YString const & group : {YString(), local}) {
@@ -40,9 +50,53 @@ std::vector<std::string> namesBeginningWith(std::string_view start) {
         vec_GetVectorsInGroup(&vectors, group);
         for (YString const & vector : vectors) addMatch(matches, vector, start);
     }
+    YList<YString> groups;
+    vec_GetGroups(&groups);
+    for (YString const & group : groups) {
+        addMatch(matches, group, start);
+        if (start.size() <= group.size() || start[group.size()] != ':') continue;
+        YList<YString> vectors;
+        vec_GetVectorsInGroup(&vectors, group);
+        for (YString const & vector : vectors)
+            addMatch(matches, YString(std::string(group) + ":" + std::string(vector)), start);
+    }
+}
+
+std::vector<std::string> namesBeginningWith(std::string_view start) {
+    std::vector<std::string> matches;
+    for (ScriptCommand const & command : scriptCommands()) addMatch(matches, command.name, start);
+    addFunctions(matches, start);
+    addVectors(matches, start);
     std::sort(matches.begin(), matches.end());
     matches.erase(std::unique(matches.begin(), matches.end()), matches.end());
     return matches;
+}
+
+// File names behind these commands.
+bool takesFile(std::string_view line) {
+    std::string_view const command = trimmed(line).substr(0, trimmed(line).find_first_of(" \t"));
+    return equalNoCase(command, "OpenGroup") || equalNoCase(command, "Run");
+}
+
+std::vector<std::string> filesBeginningWith(char const * start) {
+    std::vector<std::string> matches;
+    while (HeapText const file{rl_filename_completion_function(start, static_cast<int>(matches.size()))})
+        matches.emplace_back(file.get());
+    return matches;
+}
+
+// The history, in the user's state folder, for the user alone.
+std::string historyFile() {
+    char const * const state = std::getenv("XDG_STATE_HOME");
+    char const * const home = std::getenv("HOME");
+    if ((state == nullptr || *state != '/') && home == nullptr) return {};
+    std::filesystem::path folder =
+        state != nullptr && *state == '/' ? std::filesystem::path(state) : std::filesystem::path(home) / ".local/state";
+    folder /= "tvsh";
+    std::error_code problem;
+    std::filesystem::create_directories(folder, problem);
+    std::filesystem::permissions(folder, std::filesystem::perms::owner_all, problem);
+    return problem ? std::string() : (folder / "history").string();
 }
 
 // Called by libedit with state 0 for the first match and 1 for each further one.
@@ -50,7 +104,8 @@ char * nextMatch(char const * start, int state) {
     static std::vector<std::string> matches;
     static std::size_t position;
     if (state == 0) {
-        matches = namesBeginningWith(start);
+        bool const atStart = rl_point == static_cast<int>(std::strlen(start));
+        matches = !atStart && takesFile(rl_line_buffer) ? filesBeginningWith(start) : namesBeginningWith(start);
         position = 0;
     }
     return position < matches.size() ? strdup(matches[position++].c_str()) : nullptr;
@@ -75,6 +130,17 @@ LineReader::LineReader() : interactive_(isatty(STDIN_FILENO) == 1 && isatty(STDO
     rl_completion_entry_function = nextMatch;
     rl_completion_append_character = '\0';
     using_history();
+    history_ = historyFile();
+    if (history_.empty()) return;
+    stifle_history(longestHistory);
+    read_history(history_.c_str());
+}
+
+LineReader::~LineReader() {
+    if (history_.empty()) return;
+    mode_t const mask = umask(S_IRWXG | S_IRWXO);
+    write_history(history_.c_str());
+    umask(mask);
 }
 
 std::optional<std::string> LineReader::next() {

@@ -163,7 +163,8 @@ ExitStatus listGroups(Words const &, std::string_view, Interpreter &) {
     for (YString const & name : names) {
         YString title;
         vec_GetGroupTitle(name, title);
-        writeOut(std::string(name == current ? "* " : "  ") + std::string(name) + "  " + std::string(title) + "\n");
+        writeOut(std::string(name == current ? "* " : "  ") + std::string(name) + "  " +
+                 std::string(trimmed(title.view())) + "\n");
     }
     return exitDone;
 }
@@ -201,7 +202,9 @@ ExitStatus arguments(Words const & words, std::string_view, Interpreter & interp
 }
 
 ExitStatus runCommand(Words const & words, std::string_view, Interpreter & interpreter) {
-    return interpreter.runScript(words[0], Words(words.begin() + 1, words.end()));
+    std::string name = words[0];
+    std::erase(name, '\'');
+    return interpreter.runScript(name, Words(words.begin() + 1, words.end()));
 }
 
 ExitStatus onError(Words const & words, std::string_view, Interpreter & interpreter) {
@@ -216,15 +219,19 @@ ExitStatus setOption(Words const & words, std::string_view, Interpreter &) {
     return exitDone;
 }
 
+std::string helpOf(ScriptCommand const & command) {
+    std::string const blank = *command.usage != '\0' ? " " : "";
+    return command.name + blank + command.usage + "\n    " + command.help + "\n";
+}
+
 ExitStatus help(Words const & words, std::string_view, Interpreter & interpreter) {
     if (words.empty()) {
-        for (ScriptCommand const & command : scriptCommands())
-            writeOut(std::string(command.name) + " " + command.usage + "\n    " + command.help + "\n");
+        for (ScriptCommand const & command : scriptCommands()) writeOut(helpOf(command));
         return exitDone;
     }
     ScriptCommand const * const command = findScriptCommand(words[0]);
     if (command == nullptr) return interpreter.fail("there is no command '" + words[0] + "'");
-    writeOut(std::string(command->name) + " " + command->usage + "\n    " + command->help + "\n");
+    writeOut(helpOf(*command));
     return exitDone;
 }
 
@@ -272,6 +279,10 @@ bool isKnownSwitch(std::string const & word, std::string_view known) {
     return std::any_of(names->begin(), names->end(), [&](std::string const & row) { return equalNoCase(row, name); });
 }
 
+bool takesExpressions(ScriptCommand const & command) {
+    return command.run == print || command.run == display || command.run == arguments || command.run == runCommand;
+}
+
 ExitStatus wrongUsage(ScriptCommand const & command, std::string const & problem, Interpreter const & interpreter) {
     interpreter.fail(problem + "; usage: " + command.name + " " + command.usage);
     return exitUsage;
@@ -293,7 +304,7 @@ ExitStatus runScriptCommand(ScriptCommand const & command, std::string const & l
     std::string_view const rest = behindFirstWord(line);
     bool const takesText =
         command.run == let || command.run == echo || command.run == setRef || command.run == makeAlias;
-    auto const words = splitWords(rest);
+    auto const words = splitWords(rest, takesExpressions(command) ? WordKind::expressions : WordKind::names);
     if (!words && !takesText) return wrongUsage(command, "a quote is not closed", interpreter);
     Words const given = words ? *words : Words{std::string(rest)};
     if (*command.switches != '\0')

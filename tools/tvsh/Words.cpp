@@ -12,7 +12,7 @@ bool isBlank(char c) noexcept {
 
 } // namespace
 
-std::optional<std::vector<std::string>> splitWords(std::string_view line) {
+std::optional<std::vector<std::string>> splitWords(std::string_view line, WordKind kind) {
     std::vector<std::string> words;
     bool inWord = false;
     char quote = '\0';
@@ -23,12 +23,9 @@ std::optional<std::vector<std::string>> splitWords(std::string_view line) {
         }
         if (!inWord) words.emplace_back();
         inWord = true;
-        if (c == quote)
-            quote = '\0';
-        else if (quote == '\0' && (c == '\'' || c == '"'))
-            quote = c;
-        else
-            words.back() += c;
+        bool const closes = c == quote, opens = quote == '\0' && (c == '\'' || c == '"');
+        if (closes || opens) quote = opens ? c : '\0';
+        if ((!closes && !opens) || (c == '\'' && kind == WordKind::expressions)) words.back() += c;
     }
     if (quote != '\0') return std::nullopt;
     return words;
