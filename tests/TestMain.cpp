@@ -1,11 +1,14 @@
 // The main program of every test program. It takes the locale of the environment, as a graphical host does, so that the
-// run under a decimal comma means something.
+// run under a decimal comma means something. Temporary files of a program stand in a folder of its own, which goes with
+// it.
 #include <gmock/gmock.h>
 
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <string>
 
 namespace {
 
@@ -26,5 +29,11 @@ bool takeLocale() {
 int main(int argc, char ** argv) {
     if (!takeLocale()) return 1;
     testing::InitGoogleMock(&argc, argv);
-    return RUN_ALL_TESTS();
+    std::string folder = (std::filesystem::temp_directory_path() / "torvelan-test-XXXXXX").string();
+    if (mkdtemp(folder.data()) == nullptr) return 1;
+    setenv("TMPDIR", folder.c_str(), 1);
+    int const status = RUN_ALL_TESTS();
+    std::error_code ignored;
+    std::filesystem::remove_all(folder, ignored);
+    return status;
 }

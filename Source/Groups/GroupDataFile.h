@@ -38,8 +38,6 @@ struct DataFileMakers {
     VEC_ERROR (*create)(Group & group, YString const & path, YRef<MessageHandler> const & messages) = nullptr;
     // Opens a file, in the default way, as a new group of the list. Null when that fails.
     Group * (*open)(YString const & path, YRef<MessageHandler> const & messages) = nullptr;
-    // The name of a new file in the directory of temporary data.
-    YString (*temporaryName)(YString const & groupName) = nullptr;
 };
 // The ones in use, for the layer of data files to set before a session begins. Any of them may be null.
 DataFileMakers & dataFileMakers() noexcept;

@@ -1,5 +1,6 @@
 // The life of the store in a session.
 
+#include "Groups/DeleteTempData.h"
 #include "Groups/LoosePool.h"
 #include "Groups/StoreParts.h"
 
@@ -39,10 +40,15 @@ void destroyGlobals() {
     nameSpace() = {};
 }
 
+void exitPlots() {
+    destroyAllGroups();
+    deleteTempDataOnExit();
+}
+
 AutoFunc const atInit("Init", constructGlobals, "constructGlobals", 10);
 AutoFunc const atPostInit("PostInit", makeConstants, "vecInit", 10);
 AutoFunc const atPreCli("PreCli", LoosePool::sweep, "vec_gc", 10);
-AutoFunc const atExitCli("ExitCli", destroyAllGroups, "exitPlots", 10);
+AutoFunc const atExitCli("ExitCli", exitPlots, "exitPlots", 10);
 AutoFunc const atExit("Exit", destroyGlobals, "destroyGlobals", 1000); // everything else may still need the store
 
 } // namespace

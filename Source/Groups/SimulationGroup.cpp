@@ -1,6 +1,7 @@
 // A group that is about to receive a run.
 
 #include "Groups/GroupStore.h"
+#include "Groups/ManageTempData.h"
 
 namespace {
 
@@ -12,9 +13,10 @@ VEC_ERROR createDataFile(Group & group, YString const & path, bool temporary, YR
     return answer;
 }
 
-YString temporaryName(Group const & group) {
-    auto const make = dataFileMakers().temporaryName;
-    return make != nullptr ? make(group.name) : YString();
+// A name is a file at once, so none is made for a group that will get no file.
+YString nameFor(Group const & group) {
+    bool const getsFile = group.dataFile == nullptr && dataFileMakers().create != nullptr;
+    return getsFile ? makeTempDataFileName(group.name) : YString();
 }
 
 Group const * previousRun(Group const & group) noexcept {
@@ -43,7 +45,7 @@ VEC_ERROR initialiseRun(Group & group, SimulationFile const & file, YRef<Message
     nameSpace().current = &group;
     VEC_ERROR answer = VEC_OK;
     if (file.wanted) {
-        YString const name = file.path.empty() ? temporaryName(group) : file.path;
+        YString const name = file.path.empty() ? nameFor(group) : file.path;
         if (path != nullptr) *path = name;
         answer = createDataFile(group, name, file.temporary, messages);
     }

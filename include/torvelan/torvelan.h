@@ -15,6 +15,7 @@
 #include "torvelan/PhysType.h"
 #include "torvelan/ResultCodes.h"
 #include "torvelan/Substitution.h"
+#include "torvelan/TempData.h"
 #include "torvelan/VectorStore.h"
 #include "torvelan/Vectors.h"
 #include "torvelan/YString.h"

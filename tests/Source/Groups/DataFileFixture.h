@@ -48,7 +48,7 @@ protected:
 
     DataFileFixture() {
         present = this;
-        dataFileMakers() = {create, open, temporaryName};
+        dataFileMakers() = {create, open};
     }
     ~DataFileFixture() override {
         destroyAllGroups();
@@ -92,7 +92,6 @@ private:
         member(group, "v", static_cast<double>(present->events.size()));
         return group;
     }
-    static YString temporaryName(YString const & groupName) { return YString("temporary/" + text(groupName)); }
 
     static inline DataFileFixture * present = nullptr;
 };

@@ -1,4 +1,5 @@
 #include "Source/Groups/DataFileFixture.h"
+#include "torvelan/TempData.h"
 
 namespace {
 
@@ -42,7 +43,7 @@ TEST_F(SimulationGroupTest, FileIsMadeUnderTheNameGiven) {
 TEST_F(SimulationGroupTest, FileWithoutNameIsATemporaryOneNamedAfterTheGroup) {
     Group * group = makeGroup("", "sim", 0);
     EXPECT_EQ(initialise(group, true), VEC_OK);
-    EXPECT_EQ(text(path), "temporary/" + text(group->name));
+    EXPECT_EQ(text(path), text(vec_GetTempDataDir()) + "/" + text(group->name) + ".tvdat");
     EXPECT_EQ(group->dataFile->path(), path);
     EXPECT_FALSE(group->dataFileTemporary);
 }
