@@ -16,6 +16,7 @@
 #include "torvelan/ResultCodes.h"
 #include "torvelan/Substitution.h"
 #include "torvelan/TempData.h"
+#include "torvelan/UserFunctions.h"
 #include "torvelan/VectorStore.h"
 #include "torvelan/Vectors.h"
 #include "torvelan/YString.h"
