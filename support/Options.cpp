@@ -1,4 +1,5 @@
 #include "support/NumberText.h"
+#include "support/Settings.h"
 #include "torvelan/Host.h"
 #include "torvelan/Messages.h"
 
@@ -9,9 +10,12 @@
 
 namespace {
 
+constexpr char optionSection[] = "Options";
+
 struct Option {
     YString value;
     YString defaultValue;
+    OptionPersistence persistence = OptionPersistence::session;
     char const * file = nullptr; // where it was registered; null for one that was only set
     int line = 0;
 };
@@ -31,8 +35,9 @@ Table & table() {
 }
 
 // An option may be set before the module that registers it is loaded: what was set stays.
-void registerOption(char const * name, YString const & defaultValue, char const * file, int line) {
-    auto const [entry, isNew] = table().try_emplace(name, Option{defaultValue, defaultValue, file, line});
+void registerOption(char const * name, YString const & defaultValue, OptionPersistence persistence, char const * file,
+                    int line) {
+    auto const [entry, isNew] = table().try_emplace(name, Option{defaultValue, defaultValue, persistence, file, line});
     Option & option = entry->second;
     if (isNew) return;
     if (option.file != nullptr) {
@@ -41,6 +46,7 @@ void registerOption(char const * name, YString const & defaultValue, char const 
         return;
     }
     option.defaultValue = defaultValue;
+    option.persistence = persistence;
     option.file = file;
     option.line = line;
 }
@@ -76,21 +82,24 @@ bool meansTrue(std::string_view text) {
 
 } // namespace
 
-// Whether an option outlives the session matters to a settings store alone; this process keeps none.
-MakeOption::MakeOption(char const * name, char const * defaultValue, OptionPersistence, char const * file, int line) {
-    registerOption(name, defaultValue, file, line);
+MakeOption::MakeOption(char const * name, char const * defaultValue, OptionPersistence persistence, char const * file,
+                       int line) {
+    registerOption(name, defaultValue, persistence, file, line);
 }
 
-MakeOption::MakeOption(char const * name, int defaultValue, OptionPersistence, char const * file, int line) {
-    registerOption(name, YString(defaultValue), file, line);
+MakeOption::MakeOption(char const * name, int defaultValue, OptionPersistence persistence, char const * file,
+                       int line) {
+    registerOption(name, YString(defaultValue), persistence, file, line);
 }
 
-MakeOption::MakeOption(char const * name, bool defaultValue, OptionPersistence, char const * file, int line) {
-    registerOption(name, defaultValue ? "true" : "false", file, line);
+MakeOption::MakeOption(char const * name, bool defaultValue, OptionPersistence persistence, char const * file,
+                       int line) {
+    registerOption(name, defaultValue ? "true" : "false", persistence, file, line);
 }
 
-MakeOption::MakeOption(char const * name, double defaultValue, OptionPersistence, char const * file, int line) {
-    registerOption(name, YString(defaultValue), file, line);
+MakeOption::MakeOption(char const * name, double defaultValue, OptionPersistence persistence, char const * file,
+                       int line) {
+    registerOption(name, YString(defaultValue), persistence, file, line);
 }
 
 YString sp_GetStringOption(char const * name, bool * found) {
@@ -110,5 +119,15 @@ double sp_GetDoubleOption(char const * name, bool * found) {
 }
 
 void sp_SetOption(char const * name, YString const & value) {
-    table()[name].value = value;
+    Option & option = table()[name];
+    option.value = value;
+    if (option.persistence == OptionPersistence::stored) cfgman_WriteConfigSetting(optionSection, name, value);
+}
+
+bool support_OpenSettings(YString const & path) {
+    if (!openSettings(path)) return false;
+    YList<YString> names;
+    cfgman_GetConfigKeyNames(optionSection, &names);
+    for (YString const & name : names) cfgman_GetConfigSetting(optionSection, name, &table()[name].value);
+    return true;
 }

@@ -32,8 +32,13 @@ TORVELAN_API YString sp_GetStringOption(char const * name, bool * found = nullpt
 TORVELAN_API int sp_GetIntOption(char const * name, bool * found = nullptr);
 TORVELAN_API bool sp_GetBoolOption(char const * name, bool * found = nullptr);
 TORVELAN_API double sp_GetDoubleOption(char const * name, bool * found = nullptr);
-// Sets an option until the process ends; an unknown one is created.
+// Sets an option; an unknown one is created. The value of a stored option is kept in the host's settings, where it has
+// opened any.
 TORVELAN_API void sp_SetOption(char const * name, YString const & value);
+// Opens a file of settings, which need not exist yet, and takes the values of options from it; from now on stored
+// options that are set are written to it. False when it cannot be read. An empty path ends the keeping of options. The
+// library opens no settings by itself.
+TORVELAN_API bool support_OpenSettings(YString const & path);
 
 // A table of functions by name that joins the library and its host.
 using DynamicFunction = void (*)();
