@@ -46,8 +46,9 @@ private:
 // --- the text: "[section]" and "key=value" lines, with escapes for what would end a name or a line
 
 std::string encoded(YString const & text, std::string_view special) {
+    YString const escaped = sp_EscapeStringEncode(text.view(), false);
     std::string out;
-    for (char const c : sp_EscapeStringEncode(text.view(), false).view()) {
+    for (char const c : escaped.view()) {
         if (special.find(c) != std::string_view::npos) out += '\\';
         out += c;
     }
