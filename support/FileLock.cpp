@@ -9,8 +9,8 @@
 
 namespace {
 
-constexpr int writerAttempts = 100;
-constexpr timespec betweenAttempts{0, 2'000'000};
+constexpr int attemptInterval = 2; // milliseconds
+constexpr timespec betweenAttempts{0, attemptInterval * 1'000'000};
 
 enum class Outcome { taken, refused };
 
@@ -40,8 +40,8 @@ bool FileLock::lock(YString const & path) {
     return true;
 }
 
-bool lockForWriting(int descriptor) {
-    for (int attempt = 0; attempt < writerAttempts; ++attempt) {
+bool lockForWriting(int descriptor, int patience) {
+    for (int waited = 0; waited < patience; waited += attemptInterval) {
         if (take(descriptor, F_WRLCK) == Outcome::taken) return true;
         nanosleep(&betweenAttempts, nullptr);
     }

@@ -21,5 +21,5 @@ private:
 };
 
 // Holds an open file as being written, until the last descriptor of this opening closes. A test of another process is
-// over in a moment and is waited for. False when another writer holds the file.
-bool lockForWriting(int descriptor);
+// over in a moment and is waited for. False when another writer still holds the file after so many milliseconds.
+bool lockForWriting(int descriptor, int patience = 200);

@@ -16,6 +16,7 @@
 
 namespace {
 
+constexpr int longestWait = 20000; // milliseconds, for processes that write one after another
 constexpr std::size_t greatestFile = std::size_t{16} << 20;
 
 struct LessNoCase {
@@ -142,7 +143,7 @@ bool change(std::function<void(Sections &)> const & apply) {
     if (path.empty()) return false;
     std::string const lockPath = std::string(path.view()) + ".lock";
     Descriptor const lock(open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
-    if (lock.get() < 0 || !lockForWriting(lock.get())) return false;
+    if (lock.get() < 0 || !lockForWriting(lock.get(), longestWait)) return false;
     auto const text = readFile(path);
     if (!text) return false;
     Sections sections = parse(*text);

@@ -75,9 +75,11 @@ NamedVector * known(UserFunctionEnvironment const & environment, void const * da
 NamedVector * vectorFor(UserFunctionEnvironment & environment, std::string const & name, void const * data,
                         std::int32_t kind, std::int32_t length, char const * units) {
     if (data == nullptr || kind == USER_NONE) return environment.allocateNamedVector();
+    PhysType const type = physTypeOf(units);
     NamedVector * vector = known(environment, data, kind, length);
-    if (vector == nullptr) vector = copied(environment, name, data, kind, length);
-    vector->setPhysType(physTypeOf(units));
+    if (vector != nullptr && vector->physType() == type) return vector;
+    vector = copied(environment, name, data, kind, length); // others may still mean the type that it has
+    vector->setPhysType(type);
     return vector;
 }
 
@@ -140,17 +142,24 @@ UserFunctionArgument const * call(UserFunctionEnvironment & environment, char co
 
 // --- direct calls
 
+struct RaisedCount {
+    explicit RaisedCount(std::int32_t & number) noexcept : count(number) { ++count; }
+    ~RaisedCount() { --count; }
+    RaisedCount(RaisedCount const &) = delete;
+    RaisedCount & operator=(RaisedCount const &) = delete;
+    std::int32_t & count;
+};
+
 // The pointers stand as one record behind those of the frame.
 void callDirect(char const * name, int count, UserFunctionInterface & frame, va_list list) {
     FuncInfo const * const info = name != nullptr ? vec_FindFunction(YString(name)) : nullptr;
     bool const hasRoom = frame.numArgs >= 0 && frame.numArgs < UserFunctionInterface::maxArguments;
-    if (info == nullptr || info->directHandler == nullptr || !hasRoom) return;
+    if (info == nullptr || info->directHandler == nullptr || !hasRoom || count < 0) return;
     YArray<void *> pointers;
     for (int i = 0; i < count; ++i) pointers.push_back(va_arg(list, void *));
     frame.arguments[frame.numArgs] = {pointers.data(), nullptr, count, USER_NONE, USER_NONE, "unknown", "unknown"};
-    ++frame.numArgs;
+    RaisedCount const raised(frame.numArgs); // the pointers end here
     info->directHandler(&frame, name);
-    --frame.numArgs; // the pointers end here
 }
 
 } // namespace
@@ -159,6 +168,8 @@ UserFunctionArgument const * callFunctionFromInterface(UserFunctionEnvironment *
                                                        UserFunctionArgument const * arguments, int count, int * error) {
     int ignored = 0;
     int & code = error != nullptr ? *error : ignored;
+    code = USER_CALL_FAILED;
+    if (environment == nullptr) return nullptr;
     try {
         return call(*environment, name, arguments, count, code);
     } catch (MemoryException const &) {

@@ -34,6 +34,18 @@ bool describe(UserFunctionEnvironment & environment, FuncArgs const & args, int 
     return true;
 }
 
+// An operation of the environment for a module, into which no exception goes: null instead.
+template <auto operation, class... Arguments>
+auto guarded(UserFunctionEnvironment * environment, Arguments... arguments)
+    -> decltype((environment->*operation)(arguments...)) {
+    if (environment == nullptr) return nullptr;
+    try {
+        return (environment->*operation)(arguments...);
+    } catch (...) {
+        return nullptr;
+    }
+}
+
 // Counts all arrays ever made, so that no two have one name.
 std::string nextNumber() {
     static long long counter = 0;
@@ -116,10 +128,10 @@ int vec_PrepareUserFunction(UserFunctionEnvironment * environment, FuncArgs cons
         code = 2;
     }
     interface.environment = environment;
-    interface.allocateReal = [](UserFunctionEnvironment * e, int n) { return e->allocateRealArg(n); };
-    interface.allocateComplex = [](UserFunctionEnvironment * e, int n) { return e->allocateComplexArg(n); };
-    interface.allocateNamedVector = [](UserFunctionEnvironment * e) { return e->allocateNamedVector(); };
-    interface.allocateString = [](UserFunctionEnvironment * e) { return e->allocateString(); };
+    interface.allocateReal = guarded<&UserFunctionEnvironment::allocateRealArg, int>;
+    interface.allocateComplex = guarded<&UserFunctionEnvironment::allocateComplexArg, int>;
+    interface.allocateNamedVector = guarded<&UserFunctionEnvironment::allocateNamedVector>;
+    interface.allocateString = guarded<&UserFunctionEnvironment::allocateString>;
     interface.callFunction = callFunctionFromInterface;
     return code;
 }

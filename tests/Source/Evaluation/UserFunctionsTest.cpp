@@ -263,6 +263,27 @@ TEST_F(UserFunctions, RecordsThatCannotBeAreRefused) {
     EXPECT_NE(call("abs", {good}), nullptr);
 }
 
+TEST_F(UserFunctions, NothingIsThrownIntoAModule) {
+    args.setNumArgs(0);
+    environment.prepare(messages);
+    EXPECT_EQ(interface().allocateReal(nullptr, 3), nullptr);
+    EXPECT_EQ(interface().allocateComplex(nullptr, 3), nullptr);
+    EXPECT_EQ(interface().allocateNamedVector(nullptr), nullptr);
+    EXPECT_EQ(interface().allocateString(nullptr), nullptr);
+    EXPECT_EQ(interface().callFunction(nullptr, "sin", nullptr, 0, &error), nullptr);
+    EXPECT_EQ(error, 3);
+}
+
+TEST_F(UserFunctions, OneArrayMayStandOnBothSides) {
+    args.setNumArgs(0);
+    environment.prepare(messages);
+    double * const own = environment.allocateRealArg(2);
+    UserFunctionArgument const * const answer = call("abs", {{own, own, 2, USER_REAL, USER_REAL, "voltage", "time"}});
+    ASSERT_NE(answer, nullptr);
+    EXPECT_STREQ(answer->yUnits, "voltage");
+    EXPECT_STREQ(answer->xUnits, "time");
+}
+
 // --- direct calls
 
 TEST_F(UserFunctions, ADirectCallHandsOverItsPointers) {
@@ -289,6 +310,7 @@ TEST_F(UserFunctions, ADirectCallOfNothingDoesNothing) {
     full.numArgs = UserFunctionInterface::maxArguments;
     vec_CallUserFunctionDirectAppend("direct_call", 0, &full);
     vec_CallUserFunctionDirectAppend("direct_call", 0, nullptr);
+    vec_CallUserFunctionDirect("direct_call", -4);
     EXPECT_EQ(seenCount, 0);
 }
 
