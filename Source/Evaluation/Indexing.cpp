@@ -6,6 +6,9 @@
 #include "Evaluation/Resolve.h"
 
 #include <cmath>
+#include <memory>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -25,16 +28,45 @@ ExprValue * textOnly(YString text) {
     return value;
 }
 
-// What an alias stands for, in silence, so that its divisions can be counted; the vector itself when that fails.
-dvec * quietlyResolved(dvec * vector, ScpParseContext const & context) {
-    if (!vector->isAlias()) return vector;
-    dvec * resolved = nullptr;
-    YRef<MessageHandler> const silence = std::make_shared<NullMessageHandler>();
-    return resolveVector(vector, &resolved, silence, context) ? resolved : vector;
-}
+// Keeps messages until it is known whether anybody is to see them.
+class HeldMessages final : public MessageHandler {
+public:
+    void finalOutput(MessageLevel level, YString const & text) override { held.emplace_back(level, text); }
+    void passOn(MessageHandler & to) const {
+        for (auto const & [level, text] : held) to.output(level, text);
+    }
+
+private:
+    std::vector<std::pair<MessageLevel, YString>> held;
+};
+
+// What the base of an index stands for. An alias is evaluated once, both to count its divisions and to take an element
+// of it: twice at each level of a chain of aliases would double the work with every level.
+struct IndexBase {
+    IndexBase(dvec * vector, ScpParseContext const & context) : named(vector), resolved(vector) {
+        if (!named->isAlias()) return;
+        messages = std::make_shared<HeldMessages>();
+        if (!resolveVector(named, &resolved, messages, context)) resolved = nullptr;
+    }
+    // The vector whose divisions count: the alias itself when there is nothing behind it.
+    dvec & counted() const noexcept { return resolved != nullptr ? *resolved : *named; }
+
+    dvec * named;
+    dvec * resolved; // null when the evaluation failed
+    std::shared_ptr<HeldMessages> messages;
+};
 
 void releaseIfNew(dvec * vector, dvec const * original) {
     if (vector != original) releaseTemporary(vector);
+}
+
+// Puts the value of an alias in its place. Without one the call reports the alias by its name.
+void replaceAlias(ParseState & state, ExprValue & value, IndexBase const & base) {
+    if (base.messages == nullptr) return;
+    base.messages->passOn(state.messages());
+    if (base.resolved == nullptr) value.text = base.named->name();
+    if (base.resolved != base.named) releaseTemporary(base.named);
+    value.vector = base.resolved;
 }
 
 ExprValue * indexElement(ParseState & state, ExprValue * base, ExprValue * index, YString text) {
@@ -119,13 +151,13 @@ ExprValue * indexValue(ParseState & state, ExprValue * base, ExprValue * index) 
     if (hasFailed(state, base) || hasFailed(state, index)) return nullptr;
     YString text = indexText(*base, "[", *index);
     if (state.substitution != nullptr) return textOnly(std::move(text));
-    dvec * vector = quietlyResolved(base->vector, state.context);
-    if (vector->numDivisions() == 1) {
-        releaseIfNew(vector, base->vector);
+    IndexBase const what(base->vector, state.context);
+    if (what.counted().numDivisions() == 1) {
+        replaceAlias(state, *base, what);
         return indexElement(state, base, index, std::move(text));
     }
-    ExprValue * result = selectDivision(state, *vector, *index, std::move(text));
-    releaseIfNew(vector, base->vector);
+    ExprValue * result = selectDivision(state, what.counted(), *index, std::move(text));
+    releaseIfNew(&what.counted(), base->vector);
     releaseTemporary(base->vector);
     releaseTemporary(index->vector);
     return result;
