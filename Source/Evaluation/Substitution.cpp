@@ -9,7 +9,7 @@
 namespace {
 
 constexpr int mostPasses = 19;
-constexpr std::size_t longestText = std::size_t{16} << 20;
+constexpr std::size_t longestText = std::size_t{4} << 20; // the parse of a text takes some 50 times as much memory
 
 // Nothing when the text does not parse.
 std::optional<std::string> substitute(YString const & expr, VecSubstExpressionObject & object) {
@@ -24,26 +24,28 @@ std::optional<std::string> substitute(YString const & expr, VecSubstExpressionOb
     return text;
 }
 
-// One level of definitions. Beyond the longest text it leaves the rest as it is and says so.
+// One level of definitions in a text. Beyond the longest text it leaves the rest as it is and says so.
 class ExpandAliasSubstExpressionObject final : public VecSubstExpressionObject {
 public:
+    explicit ExpandAliasSubstExpressionObject(std::size_t textLength) noexcept : length(textLength) {}
+
     YString substituteName(YString const & name) override {
         dvec const * const vector = findVector(name, nullptr, false);
         if (vector == nullptr || !vector->isAlias()) return name;
         char const * const definition = vector->getString(0);
         std::string_view const text = definition != nullptr ? definition : "";
-        added += text.size();
-        if (added > longestText) return name;
+        length += text.size();
+        isTooLong |= length > longestText;
+        if (isTooLong) return name;
         changed = true;
         return YString::joined("(", {text, ")"});
     }
 
-    bool isTooLong() const noexcept { return added > longestText; }
-
     bool changed = false;
+    bool isTooLong = false;
 
 private:
-    std::size_t added = 0;
+    std::size_t length; // of the text with the definitions so far
 };
 
 } // namespace
@@ -64,9 +66,9 @@ YString vec_SubstituteExpression(YString expr, VecSubstExpressionObject * object
 
 YString vec_ExpandAlias(YString expr) {
     for (int pass = 0; pass < mostPasses; ++pass) {
-        ExpandAliasSubstExpressionObject level;
+        ExpandAliasSubstExpressionObject level(expr.view().size());
         auto const text = substitute(expr, level);
-        if (!text || level.isTooLong()) break;
+        if (!text || level.isTooLong) break;
         expr = YString(*text);
         if (!level.changed) break;
     }

@@ -22,5 +22,5 @@ TORVELAN_API YString vec_SubstituteExpression(YString expr, VecSubstExpressionOb
 
 // The text with every alias replaced by its definition, in parentheses, down to any depth; otherwise as above. Stops
 // after 19 levels, as it must for aliases that go round in a circle, and ahead of a level that would make more than
-// 16 MiB of text; what stands then may still hold aliases. A text that does not parse comes back as it is.
+// 4 MiB of text; what stands then may still hold aliases. A text that does not parse comes back as it is.
 TORVELAN_API YString vec_ExpandAlias(YString expr);

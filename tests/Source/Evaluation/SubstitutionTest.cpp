@@ -134,3 +134,22 @@ TEST_F(ExpandAlias, AnAliasThatDoublesEndsBeforeItFillsTheMemory) {
     EXPECT_LT(text.size(), std::size_t{64} << 20);
     EXPECT_GT(text.size(), 1000u);
 }
+
+TEST_F(ExpandAlias, LongDefinitionsInManyPlacesStayWithinTheLongestText) {
+    std::string definition = "f(a";
+    for (int i = 0; i < 50000; ++i) definition += " 1";
+    alias("a", (definition + ")").c_str());
+    std::string const text = expanded("f(a a a a a a a a)");
+    EXPECT_GT(text.size(), 8 * definition.size());
+    EXPECT_LT(text.size(), std::size_t{8} << 20) << "twice the longest text, for the commas that lists gain";
+}
+
+TEST_F(ExpandAlias, ALongTextWithoutAliasesIsStillNormalised) {
+    std::string text = "x", normal = "x";
+    for (int i = 0; i < 1100000; ++i) {
+        text += " + y";
+        normal += "+y";
+    }
+    ASSERT_GT(text.size(), std::size_t{4} << 20);
+    EXPECT_EQ(expanded(text), normal);
+}
