@@ -160,6 +160,31 @@ TEST_F(Incremental, OthersAreLeftToAFullEvaluation) {
     }
 }
 
+TEST_F(Incremental, EveryFunctionThatDoesNotSaySoIsLeftToAFullEvaluation) {
+    append(3);
+    XYVector const before(*reals[0]);
+    appendTimes(1);
+    YList<FuncInfo> functions;
+    vec_GetSortedFunctionList(&functions);
+    int count = 0;
+    for (FuncInfo const & function : functions) {
+        if (function.supportsIncremental) continue;
+        std::string arguments;
+        for (int i = 0; i < function.minArgs; ++i) arguments += i == 0 ? "a" : ",a";
+        std::string const expr = std::string(function.name.view()) + "(" + arguments + ")";
+        XYVector result("result");
+        for (std::int64_t i = 0; i < before.totalLength(); ++i) (void)result.addVal(before.getReal(i));
+        result.ref = *t;
+        IncEvalErr error = INC_EVAL_OK;
+        EXPECT_TRUE(vec_IncrementalEvaluate(expr.c_str(), &result, YString(), &error, handler, context)) << expr;
+        EXPECT_EQ(error, INC_EVAL_FAILED) << expr;
+        EXPECT_EQ(result.totalLength(), 3) << expr;
+        ++count;
+    }
+    EXPECT_GT(count, 60);
+    EXPECT_TRUE(handler->texts.empty()) << testing::PrintToString(handler->texts);
+}
+
 TEST_F(Incremental, UnaryPlusIsTransparent) {
     append(3);
     XYVector * const result = evaluate("+(a*2)");
