@@ -1,25 +1,18 @@
 // Registers the elementwise and reducing functions.
 
 #include "Evaluation/PlacedFunction.h"
+#include "Funcs/FunctionFamily.h"
 #include "Funcs/MathTable.h"
 #include "Funcs/VectorCounts.h"
 
 namespace {
-
-// What may be done with a function beyond calling it on one division.
-enum Traits : unsigned char {
-    plain = 0,
-    incremental = 1, // on new points alone
-    flat = 2,        // on all divisions as one array
-    elementwise = incremental | flat,
-};
 
 struct Registration {
     char const * name;
     FuncHandler handler;
     argType type;
     MultiDef multi;
-    Traits traits;
+    FunctionTraits traits;
     char const * summary;
 };
 

@@ -4,7 +4,9 @@
 
 FunctionFamily::FunctionFamily(std::span<FunctionRow const> rows, std::source_location place) {
     for (FunctionRow const & row : rows) {
-        FuncInfo info(row.name, row.types, row.minArgs, row.maxArgs, row.handler, row.multiDefs, false);
+        FuncInfo info(row.name, row.types, row.minArgs, row.maxArgs, row.handler, row.multiDefs,
+                      (row.traits & incremental) != 0);
+        info.flatDivisions = (row.traits & flat) != 0;
         info.summary = row.summary;
         PlacedFunction{info, place};
     }

@@ -14,6 +14,14 @@ FUNC_ERROR handlerOf(FuncArgs const & args, FuncResult * result, FuncInfo *, YRe
     return body(args, *result, messages);
 }
 
+// What may be done with a function beyond calling it on one division.
+enum FunctionTraits : unsigned char {
+    plain = 0,
+    incremental = 1, // on new points alone
+    flat = 2,        // on all divisions as one array
+    elementwise = incremental | flat,
+};
+
 struct FunctionRow {
     static constexpr int maxArguments = 16;
 
@@ -23,6 +31,7 @@ struct FunctionRow {
     argType types[maxArguments]; // of the arguments that there may be
     MultiDef multiDefs[maxArguments];
     char const * summary;
+    FunctionTraits traits = plain;
 };
 
 // Registers each row, from a static initialiser, and the place of the family as the place of its functions; the table

@@ -18,6 +18,7 @@ enum Refusal : int {
     outOfRange = 3,
     overflow = 4,
     zeroVector = 5,
+    noConvergence = 6,
 };
 
 // --- real to real, element by element

@@ -99,22 +99,24 @@ int run(MathShape shape, Choice const & choice, double * out, Source const & sou
                             source.count);
 }
 
-void report(int refusal, MathRow const & row, MessageHandler & messages) {
-    switch (refusal) {
-    case outOfRange: messages.error("Argument out of range for function '%s'", row.name); break;
-    case overflow: messages.error("Overflow in function '%s'", row.name); break;
-    default: messages.error("Cannot normalise zero vector"); break;
-    }
-}
-
 } // namespace
 
 MathRow const & mathRow(Math row) noexcept {
     return rows[static_cast<std::size_t>(row)];
 }
 
-FUNC_ERROR applyMathRow(Math number, FuncArgs const & args, FuncResult & result, MessageHandler & messages) {
-    MathRow const & row = mathRow(number);
+FUNC_ERROR refuseElements(int refusal, char const * name, FuncResult & result, MessageHandler & messages) {
+    switch (refusal) {
+    case outOfRange: messages.error("Argument out of range for function '%s'", name); break;
+    case overflow: messages.error("Overflow in function '%s'", name); break;
+    case zeroVector: messages.error("Cannot normalise zero vector"); break;
+    default: break;
+    }
+    result.emptyVectors();
+    return FUNC_FAILED;
+}
+
+FUNC_ERROR applyMathRow(MathRow const & row, FuncArgs const & args, FuncResult & result, MessageHandler & messages) {
     Source const source = sourceOf(args);
     result.setPhysType(row.rule(args.physType(0)), PT_UNCHANGED);
     Choice const choice = choose(row, source.kind);
@@ -127,18 +129,15 @@ FUNC_ERROR applyMathRow(Math number, FuncArgs const & args, FuncResult & result,
     double * const out = destination(row.shape, args, result, source, choice.kind);
     int const refusal = run(row.shape, choice, out, source);
     if (row.shape != reduces) result.copyRefFromArgs(args, ALLOC_HINT, args.totalLength(0), 0);
-    if (refusal == refusedNothing) return FUNC_OK;
-    report(refusal, row, messages);
-    result.emptyVectors();
-    return FUNC_FAILED;
+    return refusal == refusedNothing ? FUNC_OK : refuseElements(refusal, row.name, result, messages);
 }
 
 FUNC_ERROR unaryMinusHandler(FuncArgs const & args, FuncResult * result, FuncInfo *, YRef<MessageHandler>,
                              MessageHandler & messages, ScpParseContext const &) {
-    return applyMathRow(Math::minus, args, *result, messages);
+    return applyMathRow(mathRow(Math::minus), args, *result, messages);
 }
 
 FUNC_ERROR logicalNotHandler(FuncArgs const & args, FuncResult * result, FuncInfo *, YRef<MessageHandler>,
                              MessageHandler & messages, ScpParseContext const &) {
-    return applyMathRow(Math::logicalNot, args, *result, messages);
+    return applyMathRow(mathRow(Math::logicalNot), args, *result, messages);
 }

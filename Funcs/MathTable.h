@@ -64,11 +64,15 @@ MathRow const & mathRow(Math row) noexcept;
 // Carries a row out on argument 0: kind, PhysType, elements and (unless it reduces) reference of the result.
 // FUNC_FAILED after a message, and the result is empty then; FUNC_OK with an untouched result where the row has nothing
 // for a real argument.
-FUNC_ERROR applyMathRow(Math row, FuncArgs const & args, FuncResult & result, MessageHandler & messages);
+FUNC_ERROR applyMathRow(MathRow const & row, FuncArgs const & args, FuncResult & result, MessageHandler & messages);
+
+// Says why a routine refused an element, empties the result, and answers FUNC_FAILED. Nothing is said where an
+// iteration did not converge.
+FUNC_ERROR refuseElements(int refusal, char const * name, FuncResult & result, MessageHandler & messages);
 
 // The handler that runs a row.
 template <Math row>
 FUNC_ERROR mathHandler(FuncArgs const & args, FuncResult * result, FuncInfo *, YRef<MessageHandler>,
                        MessageHandler & messages, ScpParseContext const &) {
-    return applyMathRow(row, args, *result, messages);
+    return applyMathRow(mathRow(row), args, *result, messages);
 }
