@@ -28,7 +28,7 @@ bool flag(FuncArgs const & args, std::int64_t element) {
 int orderFrom(FuncArgs const & args, std::int64_t length) {
     std::int64_t order = countFrom(numberOr(args, 2, 2));
     if (order == -1) order = args.physType(0) == typeTakenStraight ? 1 : 2;
-    return static_cast<int>(std::min(std::max<std::int64_t>(order, 1), length - 1));
+    return static_cast<int>(std::min(std::clamp<std::int64_t>(order, 1, highestInterpOrder), length - 1));
 }
 
 // x of the points of an argument; their numbers where it has no reference.

@@ -87,11 +87,11 @@ namespace funcs1 {
 
 FUNC_ERROR truncate(FuncArgs const & args, FuncResult & result, MessageHandler & messages) {
     Waveform const v(args, 0);
+    if (!v.hasReference()) return refuseMissingReference(args, 0, messages);
     if (args.type(0) == VD_COMPLEX) {
         messages.error("Argument %d in function '%s' is complex. Expected real", 1, args.getFuncName());
         return FUNC_FAILED;
     }
-    if (!v.hasReference()) return refuseMissingReference(args, 0, messages);
     Band const band = bandOf(args);
     Count count;
     walk(v, band, count);

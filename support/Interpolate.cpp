@@ -8,10 +8,9 @@
 namespace {
 
 constexpr std::int64_t pieceLength = 512;
-constexpr int highestOrder = 64;
 
 int orderFor(InterpOpts const & options, std::int64_t length) noexcept {
-    std::int64_t const highest = std::clamp<std::int64_t>(length - 1, 1, highestOrder); // one point has no pieces
+    std::int64_t const highest = std::clamp<std::int64_t>(length - 1, 1, highestInterpOrder); // one point has no pieces
     return static_cast<int>(std::clamp<std::int64_t>(options.order, 1, highest));
 }
 
@@ -95,8 +94,8 @@ template <class At> std::int64_t firstPast(std::int64_t length, double value, in
 } // namespace
 
 double support_Interp(double const * y, double const * x, double at, InterpOpts const & options) {
-    int const order = std::clamp(options.order, 0, highestOrder);
-    double value[highestOrder + 1];
+    int const order = std::clamp(options.order, 0, highestInterpOrder);
+    double value[highestInterpOrder + 1];
     std::copy_n(y, order + 1, value);
     for (int step = 1; step <= order; ++step)
         for (int i = order; i >= step; --i)

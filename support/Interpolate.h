@@ -15,6 +15,9 @@ struct InterpOpts {
     double reserved = 0.0;
 };
 
+// A higher order counts as this one.
+constexpr int highestInterpOrder = 64;
+
 // The polynomial of the order in the options through the order + 1 points that begin at the two pointers, at a place
 // (A. C. Aitken, On interpolation by iteration of proportional parts, 1932). Points of equal x make it infinite or NaN.
 double support_Interp(double const * y, double const * x, double at, InterpOpts const & options);

@@ -136,6 +136,14 @@ TEST_F(Measures, ResamplingReproducesPolynomialsOfItsOrder) {
     for (std::size_t i = 0; i < got.size(); ++i) EXPECT_NEAR(got[i], cubic(at[i]), 1e-9 * (1 + std::fabs(got[i])));
 }
 
+TEST_F(Measures, ResamplingOfAnyOrderGoesThroughTheSamples) {
+    Reals x(200);
+    for (std::size_t i = 0; i < x.size(); ++i) x[i] = static_cast<double>(i);
+    Reals const values = sampled(x, [](double t) { return std::fmod(t, 3); });
+    for (double order : {1.0, 64.0, 65.0, 100.0, 1e9})
+        EXPECT_EQ(run("Interp", {waveform(x, values), real({200}), real({order}), real({1})}), values) << order;
+}
+
 TEST_F(Measures, ResamplingWithoutXCountsElements) {
     EXPECT_EQ(run("Interp", {real({0, 10, 20, 30}), real({2}), real({1}), real({1})}), (Reals{0, 30}));
     EXPECT_EQ(ref.totalLength(), 0);

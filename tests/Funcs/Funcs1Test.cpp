@@ -407,7 +407,8 @@ TEST_F(Funcs1, ATruncatedPolylineIsTheClippedOne) {
 }
 
 TEST_F(Funcs1, TruncationNeedsX) {
-    expectRefused("Truncate", {real({1, 2})}, "Argument 1 in function 'test' has no reference (xvalues)");
+    for (XYVector & v : {std::ref(real({1, 2})), std::ref(pairs({{1, 2}}))})
+        expectRefused("Truncate", {v}, "Argument 1 in function 'test' has no reference (xvalues)");
     expectRefused("Truncate", {withReference(pairs({{1, 2}}), {0})},
                   "Argument 1 in function 'test' is complex. Expected real");
 }
