@@ -1,4 +1,4 @@
-#include "Funcs/SpecialMath.h"
+#include "Funcs/GammaMath.h"
 
 #include "Funcs/MathKernels.h"
 
@@ -118,7 +118,7 @@ int fill(double * out, std::size_t count, auto answerOf) {
 
 } // namespace
 
-namespace specialmath {
+namespace gammamath {
 
 int logGamma(double * out, double const * in, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
@@ -156,4 +156,4 @@ int chiSquare(double * out, double const * x, double const * n, std::size_t coun
     return fill(out, count, [x, n](std::size_t i) { return chiSquareOf(x[i], n[i]); });
 }
 
-} // namespace specialmath
+} // namespace gammamath

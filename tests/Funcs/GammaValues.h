@@ -1,7 +1,7 @@
-// Values of the special functions, computed with 60 digits and more by mpmath 1.3 and rounded to 20.
+// Values of the gamma family and the error functions, computed with 60 digits and more by mpmath 1.3 and rounded to 20.
 #pragma once
 
-namespace specialvalues {
+namespace gammavalues {
 
 struct Point {
     double x, value;
@@ -289,4 +289,4 @@ constexpr PairPoint chiSquareValues[] = {
     {0.0, 4.0, 0, 1.0},
 };
 
-} // namespace specialvalues
+} // namespace gammavalues

@@ -2,8 +2,8 @@
 // two.
 
 #include "Funcs/FunctionFamily.h"
+#include "Funcs/GammaMath.h"
 #include "Funcs/MathTable.h"
-#include "Funcs/SpecialMath.h"
 
 #include "Evaluation/ElementBlocks.h"
 
@@ -11,17 +11,17 @@ namespace {
 
 // --- one argument
 
-enum class Special { lgamma, gamma, erf, erfc };
+enum class One { lgamma, gamma, erf, erfc };
 
 // name, real to real, complex to real, real to complex, complex to complex, rule, shape
 constexpr MathRow oneArgument[] = {
-    {"lgamma", nullptr, nullptr, specialmath::logGamma, nullptr, none, MathShape::elements},
-    {"gamma", specialmath::gamma, nullptr, nullptr, nullptr, none, MathShape::elements},
-    {"erf", specialmath::erf, nullptr, nullptr, nullptr, none, MathShape::elements},
-    {"erfc", specialmath::erfc, nullptr, nullptr, nullptr, none, MathShape::elements},
+    {"lgamma", nullptr, nullptr, gammamath::logGamma, nullptr, none, MathShape::elements},
+    {"gamma", gammamath::gamma, nullptr, nullptr, nullptr, none, MathShape::elements},
+    {"erf", gammamath::erf, nullptr, nullptr, nullptr, none, MathShape::elements},
+    {"erfc", gammamath::erfc, nullptr, nullptr, nullptr, none, MathShape::elements},
 };
 
-template <Special row> FUNC_ERROR applyRow(FuncArgs const & args, FuncResult & result, MessageHandler & messages) {
+template <One row> FUNC_ERROR applyRow(FuncArgs const & args, FuncResult & result, MessageHandler & messages) {
     return applyMathRow(oneArgument[static_cast<std::size_t>(row)], args, result, messages);
 }
 
@@ -32,12 +32,12 @@ struct PairRow {
     kernels::Loop loop;
 };
 
-enum class SpecialPair { gammp, gammq, chisquare };
+enum class Two { gammp, gammq, chisquare };
 
 constexpr PairRow twoArguments[] = {
-    {"gammp", specialmath::lowerGamma},
-    {"gammq", specialmath::upperGamma},
-    {"chisquare", specialmath::chiSquare},
+    {"gammp", gammamath::lowerGamma},
+    {"gammq", gammamath::upperGamma},
+    {"chisquare", gammamath::chiSquare},
 };
 
 double * resultOver(FuncArgs const & args, FuncResult & result, std::int64_t count) {
@@ -62,8 +62,7 @@ FUNC_ERROR apply(PairRow const & row, FuncArgs const & args, FuncResult & result
     return refusal == mathkernels::refusedNothing ? FUNC_OK : refuseElements(refusal, row.name, result, messages);
 }
 
-template <SpecialPair row>
-FUNC_ERROR applyPairRow(FuncArgs const & args, FuncResult & result, MessageHandler & messages) {
+template <Two row> FUNC_ERROR applyPairRow(FuncArgs const & args, FuncResult & result, MessageHandler & messages) {
     return apply(twoArguments[static_cast<std::size_t>(row)], args, result, messages);
 }
 
@@ -72,17 +71,17 @@ FUNC_ERROR applyPairRow(FuncArgs const & args, FuncResult & result, MessageHandl
 constexpr argType number = ARG_NUMERIC;
 constexpr MultiDef each = MULTI_EACH;
 
-template <Special row> constexpr FuncHandler one = handlerOf<applyRow<row>>;
-template <SpecialPair row> constexpr FuncHandler two = handlerOf<applyPairRow<row>>;
+template <One row> constexpr FuncHandler one = handlerOf<applyRow<row>>;
+template <Two row> constexpr FuncHandler two = handlerOf<applyPairRow<row>>;
 
 constexpr FunctionRow rows[] = {
-    {"lgamma", one<Special::lgamma>, 1, 1, {number}, {each}, "Logarithm of the magnitude of gamma", elementwise},
-    {"gamma", one<Special::gamma>, 1, 1, {number}, {each}, "Gamma function", elementwise},
-    {"erf", one<Special::erf>, 1, 1, {number}, {each}, "Error function", elementwise},
-    {"erfc", one<Special::erfc>, 1, 1, {number}, {each}, "Complementary error function", elementwise},
-    {"gammp", two<SpecialPair::gammp>, 2, 2, {number, number}, {each, each}, "Lower incomplete gamma", elementwise},
-    {"gammq", two<SpecialPair::gammq>, 2, 2, {number, number}, {each, each}, "Upper incomplete gamma", elementwise},
-    {"chisquare", two<SpecialPair::chisquare>, 2, 2, {number, number}, {each, each}, "Tail of chi square", elementwise},
+    {"lgamma", one<One::lgamma>, 1, 1, {number}, {each}, "Logarithm of the magnitude of gamma", elementwise},
+    {"gamma", one<One::gamma>, 1, 1, {number}, {each}, "Gamma function", elementwise},
+    {"erf", one<One::erf>, 1, 1, {number}, {each}, "Error function", elementwise},
+    {"erfc", one<One::erfc>, 1, 1, {number}, {each}, "Complementary error function", elementwise},
+    {"gammp", two<Two::gammp>, 2, 2, {number, number}, {each, each}, "Lower incomplete gamma", elementwise},
+    {"gammq", two<Two::gammq>, 2, 2, {number, number}, {each, each}, "Upper incomplete gamma", elementwise},
+    {"chisquare", two<Two::chisquare>, 2, 2, {number, number}, {each, each}, "Tail of chi square", elementwise},
 };
 
 FunctionFamily const family(rows);

@@ -1,14 +1,14 @@
-// The special functions against values of high precision, at the edges of their ranges and as scripts know them.
+// The gamma family and the error functions against values of high precision, at the edges of their ranges and as scripts know them.
 
-#include "Funcs/SpecialMath.h"
+#include "Funcs/GammaMath.h"
 
-#include "Funcs/SpecialValues.h"
+#include "Funcs/GammaValues.h"
 #include "HandlerFrame.h"
 
 #include <cmath>
 #include <limits>
 
-using namespace specialvalues;
+using namespace gammavalues;
 
 namespace {
 
@@ -34,7 +34,7 @@ double boundFor(PairPoint const & p) {
     return summed * (2 * accuracy + terms * epsilon) + epsilon / 2 * (1 - summed);
 }
 
-class SpecialMath : public HandlerFrame {
+class GammaMath : public HandlerFrame {
 protected:
     double valueOf(char const * name, double x) { return first(callFunctionNamed(name, {real({x})}), name); }
     double valueOf(char const * name, double a, double b) {
@@ -60,7 +60,7 @@ private:
 
 } // namespace
 
-TEST_F(SpecialMath, LogGammaIsAccurate) {
+TEST_F(GammaMath, LogGammaIsAccurate) {
     for (Point const & p : logGammaValues) {
         complex const z = logGamma(p.x);
         expectClose(z.re + z.im, p.value, "lgamma", p.x);
@@ -68,30 +68,30 @@ TEST_F(SpecialMath, LogGammaIsAccurate) {
     }
 }
 
-TEST_F(SpecialMath, GammaIsAccurate) {
+TEST_F(GammaMath, GammaIsAccurate) {
     for (Point const & p : gammaValues) expectClose(valueOf("gamma", p.x), p.value, "gamma", p.x);
 }
 
-TEST_F(SpecialMath, TheErrorFunctionsAreAccurate) {
+TEST_F(GammaMath, TheErrorFunctionsAreAccurate) {
     for (Point const & p : erfValues) expectClose(valueOf("erf", p.x), p.value, "erf", p.x);
     for (Point const & p : erfcValues) expectClose(valueOf("erfc", p.x), p.value, "erfc", p.x);
 }
 
-TEST_F(SpecialMath, TheIncompleteGammaFunctionsAreAccurate) {
+TEST_F(GammaMath, TheIncompleteGammaFunctionsAreAccurate) {
     for (PairPoint const & p : incompleteGammaValues) {
         expectWithin(boundFor(p), valueOf("gammp", p.first, p.second), p.lower, "gammp", p.second);
         expectWithin(boundFor(p), valueOf("gammq", p.first, p.second), p.upper, "gammq", p.second);
     }
 }
 
-TEST_F(SpecialMath, ChiSquareIsAccurate) {
+TEST_F(GammaMath, ChiSquareIsAccurate) {
     for (PairPoint const & p : chiSquareValues) {
         double const bound = boundFor({std::trunc(p.second) / 2, p.first / 2, 1 - p.upper, p.upper});
         expectWithin(bound, valueOf("chisquare", p.first, p.second), p.upper, "chisquare", p.first);
     }
 }
 
-TEST_F(SpecialMath, TheLogarithmOfANegativeGammaStandsInTheImaginaryPart) {
+TEST_F(GammaMath, TheLogarithmOfANegativeGammaStandsInTheImaginaryPart) {
     EXPECT_GT(logGamma(0.5).re, 0.57);
     EXPECT_EQ(logGamma(0.5).im, 0);
     EXPECT_EQ(logGamma(-0.5).re, 0);
@@ -103,14 +103,14 @@ TEST_F(SpecialMath, TheLogarithmOfANegativeGammaStandsInTheImaginaryPart) {
     EXPECT_EQ(logGamma(2), (complex{0, 0}));
 }
 
-TEST_F(SpecialMath, GammaChangesItsSignBetweenPoles) {
+TEST_F(GammaMath, GammaChangesItsSignBetweenPoles) {
     EXPECT_LT(valueOf("gamma", -0.5), -3.5);
     EXPECT_GT(valueOf("gamma", -1.5), 2.3);
     EXPECT_LT(valueOf("gamma", -2.5), 0);
     EXPECT_EQ(valueOf("gamma", -400.5), 0);
 }
 
-TEST_F(SpecialMath, PolesAndArgumentsTooLargeAreOutOfRange) {
+TEST_F(GammaMath, PolesAndArgumentsTooLargeAreOutOfRange) {
     for (double x : {0.0, -0.0, -1.0, -2.0, -1e16, -1e300, -infinity, 2.6e305, infinity}) {
         expectRefused("Argument out of range for function 'gamma'", "gamma", x);
         expectRefused("Argument out of range for function 'lgamma'", "lgamma", x);
@@ -121,13 +121,13 @@ TEST_F(SpecialMath, PolesAndArgumentsTooLargeAreOutOfRange) {
     }
 }
 
-TEST_F(SpecialMath, GammaOverflows) {
+TEST_F(GammaMath, GammaOverflows) {
     EXPECT_TRUE(std::isfinite(valueOf("gamma", 171)));
     for (double x : {172.0, 1e5, 1e300, 1e-310, -1e-310, 5e-324})
         expectRefused("Overflow in function 'gamma'", "gamma", x);
 }
 
-TEST_F(SpecialMath, IncompleteGammaRefusesWhatIsOutOfRange) {
+TEST_F(GammaMath, IncompleteGammaRefusesWhatIsOutOfRange) {
     for (char const * name : {"gammp", "gammq"}) {
         std::string const words = std::string("Argument out of range for function '") + name + "'";
         for (auto const & [a, x] : {std::pair(0.0, 1.0), {-1.0, 1.0}, {1.0, -1.0}, {1.0, -5e-324}, {-infinity, 1.0}})
@@ -141,7 +141,7 @@ TEST_F(SpecialMath, IncompleteGammaRefusesWhatIsOutOfRange) {
     EXPECT_EQ(valueOf("gammq", 1, 1e300), 0);
 }
 
-TEST_F(SpecialMath, ASumThatDoesNotConvergeFailsInSilence) {
+TEST_F(GammaMath, ASumThatDoesNotConvergeFailsInSilence) {
     for (char const * name : {"gammp", "gammq"})
         for (auto const & [a, x] :
              {std::pair(notANumber, 1.0), {1.0, notANumber}, {1.0, infinity}, {infinity, 1.0}, {1e15, 1e15}}) {
@@ -151,12 +151,12 @@ TEST_F(SpecialMath, ASumThatDoesNotConvergeFailsInSilence) {
         }
 }
 
-TEST_F(SpecialMath, ANaNTravelsOnThroughOneArgument) {
+TEST_F(GammaMath, ANaNTravelsOnThroughOneArgument) {
     for (char const * name : {"gamma", "erf", "erfc"}) EXPECT_TRUE(std::isnan(valueOf(name, notANumber))) << name;
     EXPECT_TRUE(std::isnan(logGamma(notANumber).re));
 }
 
-TEST_F(SpecialMath, TheFirstElementRefusedEndsTheCall) {
+TEST_F(GammaMath, TheFirstElementRefusedEndsTheCall) {
     XYVector & v = withReference(real({1, 2, -1, 3}), {0, 1, 2, 3});
     EXPECT_EQ(callFunctionNamed("gamma", {v}), FUNC_FAILED);
     EXPECT_EQ(message(), "Argument out of range for function 'gamma'");
@@ -164,7 +164,7 @@ TEST_F(SpecialMath, TheFirstElementRefusedEndsTheCall) {
     EXPECT_EQ(ref.totalLength(), 0);
 }
 
-TEST_F(SpecialMath, ASecondArgumentOfOneElementIsRepeated) {
+TEST_F(GammaMath, ASecondArgumentOfOneElementIsRepeated) {
     XYVector & x = withReference(real({0, 2, 4}), {5, 6, 7});
     ASSERT_EQ(callFunctionNamed("chisquare", {x, real({2})}), FUNC_OK);
     Reals const values = reals();
@@ -174,7 +174,7 @@ TEST_F(SpecialMath, ASecondArgumentOfOneElementIsRepeated) {
     EXPECT_EQ(ref.physType(), PT_TIME);
 }
 
-TEST_F(SpecialMath, TheResultHasTheLengthOfTheFirstArgument) {
+TEST_F(GammaMath, TheResultHasTheLengthOfTheFirstArgument) {
     ASSERT_EQ(callFunctionNamed("gammp", {real({1, 1}), real({0, 1, 2})}), FUNC_OK);
     EXPECT_EQ(reals().size(), 2U);
     ASSERT_EQ(callFunctionNamed("gammp", {real({1}), real({0, 1, 2})}), FUNC_OK);
@@ -183,7 +183,7 @@ TEST_F(SpecialMath, TheResultHasTheLengthOfTheFirstArgument) {
     EXPECT_EQ(message(), "Argument out of range for function 'gammp'");
 }
 
-TEST_F(SpecialMath, ComplexArgumentsAreRefused) {
+TEST_F(GammaMath, ComplexArgumentsAreRefused) {
     for (char const * name : {"lgamma", "gamma", "erf", "erfc"}) {
         EXPECT_EQ(callFunctionNamed(name, {pairs({{1, 2}})}), FUNC_FAILED);
         EXPECT_EQ(message(), std::string("The function '") + name + "' requires a real argument");
@@ -196,7 +196,7 @@ TEST_F(SpecialMath, ComplexArgumentsAreRefused) {
     }
 }
 
-TEST_F(SpecialMath, AllAreElementwise) {
+TEST_F(GammaMath, AllAreElementwise) {
     for (char const * name : {"lgamma", "gamma", "erf", "erfc", "gammp", "gammq", "chisquare"}) {
         FuncInfo const * info = vec_FindFunction(name);
         ASSERT_NE(info, nullptr) << name;

@@ -3,7 +3,7 @@
 
 #include <cstddef>
 
-namespace specialmath {
+namespace gammamath {
 
 // Routines of the math table (see MathKernels.h for their contract).
 // Pairs: log |gamma(x)| in the real part where gamma(x) is positive, in the imaginary part where it is negative.
@@ -19,4 +19,4 @@ int upperGamma(double * out, double const * a, double const * x, std::size_t cou
 // The probability that chi square exceeds x with n degrees of freedom; n is cut to whole.
 int chiSquare(double * out, double const * x, double const * n, std::size_t count);
 
-} // namespace specialmath
+} // namespace gammamath
