@@ -1,24 +1,7 @@
 #include "support/TextScan.h"
 
+#include <algorithm>
 #include <string>
-
-#include <bitset>
-
-namespace {
-
-// Membership in constant time, since data lines are scanned by the million.
-class CharacterSet {
-public:
-    explicit CharacterSet(std::string_view members) {
-        for (char const c : members) bits_.set(static_cast<unsigned char>(c));
-    }
-    bool has(char c) const { return bits_[static_cast<unsigned char>(c)]; }
-
-private:
-    std::bitset<256> bits_;
-};
-
-} // namespace
 
 int sp_ScanLine(std::string_view text, std::string_view separators, std::string_view * tokens, int maxTokens) {
     CharacterSet const set(separators);
@@ -32,6 +15,24 @@ int sp_ScanLine(std::string_view text, std::string_view separators, std::string_
         while (p != end && !set.has(*p)) ++p;
         tokens[count] = {start, static_cast<std::size_t>(p - start)};
     }
+}
+
+bool sp_GetToken(std::string_view & rest, CharacterSet const & separators, std::string_view & token, char quote) {
+    std::size_t first = 0;
+    while (first != rest.size() && separators.has(rest[first])) ++first;
+    rest.remove_prefix(first);
+    token = {};
+    if (rest.empty()) return false;
+    bool const quoted = quote != '\0' && rest.front() == quote;
+    if (quoted) rest.remove_prefix(1);
+    std::size_t last = 0;
+    if (quoted)
+        last = std::min(rest.find(quote), rest.size());
+    else
+        while (last != rest.size() && !separators.has(rest[last])) ++last;
+    token = rest.substr(0, last);
+    rest.remove_prefix(std::min(last + 1, rest.size()));
+    return true;
 }
 
 namespace {

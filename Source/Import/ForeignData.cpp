@@ -1,7 +1,9 @@
 #include "torvelan/ForeignData.h"
 
 #include "Groups/GroupStore.h"
+#include "Import/PSpiceSignature.h"
 #include "Import/Spice3.h"
+#include "Import/TextData.h"
 #include "support/Files.h"
 #include "support/Streams.h"
 
@@ -9,8 +11,12 @@
 
 namespace {
 
-// Fills the unlisted group and lists it; false, and the group left unlisted, on failure.
+// Fills the group, and lists it if it is not listed yet; false on failure.
 using Reader = bool (*)(tvfstream & stream, Group * group, VecOpenGroupOptions options, MessageHandler & messages);
+
+bool readTextFile(tvfstream & stream, Group * group, VecOpenGroupOptions options, MessageHandler & messages) {
+    return readTextData(stream, group, options.keepColons, messages);
+}
 
 bool readSpice3File(tvfstream & stream, Group * group, VecOpenGroupOptions, MessageHandler & messages) {
     constexpr std::int32_t bufferBytes = 1024;
@@ -19,22 +25,36 @@ bool readSpice3File(tvfstream & stream, Group * group, VecOpenGroupOptions, Mess
 
 struct ReaderRow {
     DataFileType type;
-    Reader read;          // null: no reader for this type yet
-    char const * failure; // said in addition to what the reader says
+    char const * baseName; // of a group that is listed before the file is opened, and stays; null: listed by the reader
+    Reader read;           // null: no reader for this type yet
+    char const * failure;  // said in addition to what the reader says; null: the reader says it all
 };
 
 constexpr ReaderRow readerRows[] = {
-    {DATA_TEXT, nullptr, "Reading text data files is not supported yet"},
-    {DATA_SPICE2, nullptr, "Reading SPICE2 raw files is not supported yet"},
-    {DATA_SPICE3, readSpice3File, "SPICE3 raw data file read failed because of incorrect format"},
-    {DATA_PSPICE, nullptr, "Reading PSpice data files is not supported yet"},
-    {DATA_QUADREL, nullptr, "Reading Quadrel data files is not supported yet"},
+    {DATA_TEXT, "text", readTextFile, nullptr},
+    {DATA_SPICE2, nullptr, nullptr, "Reading SPICE2 raw files is not supported yet"},
+    {DATA_SPICE3, nullptr, readSpice3File, "SPICE3 raw data file read failed because of incorrect format"},
+    {DATA_PSPICE, nullptr, nullptr, "Reading PSpice data files is not supported yet"},
+    {DATA_QUADREL, nullptr, nullptr, "Reading Quadrel data files is not supported yet"},
 };
 
 ReaderRow const * findReader(DataFileType type) {
     for (ReaderRow const & row : readerRows)
         if (row.type == type) return &row;
     return nullptr;
+}
+
+// The group that is read into: it goes unless it has been listed.
+struct DiscardUnlisted {
+    void operator()(Group * group) const {
+        if (!group->listed) discardGroup(group);
+    }
+};
+using GroupBeingRead = std::unique_ptr<Group, DiscardUnlisted>;
+
+GroupBeingRead makeGroupFor(ReaderRow const * row, YString const & path) {
+    bool const atOnce = row != nullptr && row->baseName != nullptr;
+    return GroupBeingRead(atOnce ? makeGroup(path, row->baseName, 0) : makeUnlistedGroup(YString()));
 }
 
 bool openStream(tvfstream const & stream, YString const & path, MessageHandler & messages) {
@@ -45,29 +65,26 @@ bool openStream(tvfstream const & stream, YString const & path, MessageHandler &
     return false;
 }
 
-struct DiscardGroup {
-    void operator()(Group * group) const { discardGroup(group); }
-};
-
-bool readGroup(ReaderRow const & row, tvfstream & stream, VecOpenGroupOptions options, YString * groupName,
-               MessageHandler & messages) {
-    std::unique_ptr<Group, DiscardGroup> group(makeUnlistedGroup(YString()));
-    if (row.read == nullptr || !row.read(stream, group.get(), options, messages)) {
-        messages.error("%s", row.failure);
-        return false;
-    }
-    if (groupName != nullptr) *groupName = group->name;
-    group.release(); // the store's own from now on
-    return true;
-}
-
 } // namespace
 
 bool vec_OpenForeignDataFile(YString const & path, DataFileType type, VecOpenGroupOptions options, YString * groupName,
                              YRef<MessageHandler> messages) {
     if (messages == nullptr) messages = std::make_shared<NullMessageHandler>();
+    ReaderRow const * const row = findReader(type);
+    GroupBeingRead const group = makeGroupFor(row, path);
     tvfstream stream(path, tvfstream::modeReadUntranslated, false, false);
     if (!openStream(stream, path, *messages)) return false;
-    ReaderRow const * const row = findReader(type);
-    return row == nullptr || readGroup(*row, stream, options, groupName, *messages);
+    if (row == nullptr) return true;
+    if (row->read == nullptr || !row->read(stream, group.get(), options, *messages)) {
+        if (row->failure != nullptr) messages->error("%s", row->failure);
+        return false;
+    }
+    if (groupName != nullptr) *groupName = group->name;
+    return true;
+}
+
+DataFileType vec_TestDataFileType(YString const & path) {
+    tvfstream stream(path, tvfstream::modeReadUntranslated, false, false);
+    if (!stream) return DATA_CANNOT_OPEN;
+    return testPSpiceSignature(stream) ? DATA_PSPICE : DATA_NOT_RECOGNISED;
 }

@@ -62,6 +62,20 @@ template <class Element> std::size_t parsePoint(std::string_view text, Element *
     return scanner.failed() ? 0 : scanner.taken();
 }
 
+bool isColumnSeparator(char c) {
+    return c == ' ' || c == ',' || c == '\t' || c == '\r';
+}
+
+// A number that begins with a digit or a point, which "inf" and "nan" do not. Null when it is none, or has something
+// behind it that is no separator.
+char const * parseColumn(char const * p, char const * end, double & value) {
+    char const first = p != end && *p == '-' ? (p + 1 != end ? p[1] : '\0') : (p != end ? *p : '\0');
+    if (first != '.' && (first < '0' || first > '9')) return nullptr;
+    auto const result = fast_float::from_chars(p, end, value);
+    bool const ends = result.ptr != end && (isColumnSeparator(*result.ptr) || *result.ptr == '\n');
+    return result.ec == std::errc() && ends ? result.ptr : nullptr;
+}
+
 } // namespace
 
 std::size_t parsePlainPoint(std::string_view text, double * values, std::size_t n) {
@@ -70,4 +84,31 @@ std::size_t parsePlainPoint(std::string_view text, double * values, std::size_t 
 
 std::size_t parsePlainPoint(std::string_view text, complex * values, std::size_t n) {
     return parsePoint(text, values, n);
+}
+
+std::size_t parsePlainRow(std::string_view text, double * values, std::size_t n) {
+    char const * p = text.data();
+    char const * const end = p + text.size();
+    for (std::size_t i = 0; i < n; ++i) {
+        while (p != end && isColumnSeparator(*p)) ++p;
+        p = parseColumn(p, end, values[i]);
+        if (p == nullptr) return 0;
+    }
+    while (p != end && isColumnSeparator(*p)) ++p;
+    std::size_t const feed = text.find('\n', static_cast<std::size_t>(p - text.data()));
+    return feed == text.npos ? 0 : feed + 1;
+}
+
+PlainNumbers parsePlainNumbers(std::string_view text, double * values, std::size_t most) {
+    PlainNumbers run;
+    char const * p = text.data();
+    char const * const end = p + text.size();
+    while (run.count < most) {
+        while (p != end && (isColumnSeparator(*p) || *p == '\n')) ++p;
+        p = parseColumn(p, end, values[run.count]);
+        if (p == nullptr) break;
+        run.taken = static_cast<std::size_t>(p - text.data());
+        ++run.count;
+    }
+    return run;
 }

@@ -11,3 +11,16 @@
 // does not end within the text or has anything unusual in it; the values are unspecified then.
 std::size_t parsePlainPoint(std::string_view text, double * values, std::size_t n);
 std::size_t parsePlainPoint(std::string_view text, complex * values, std::size_t n);
+
+// Takes n numbers, and what else the line holds, from the front of a text: plain decimal numbers with blanks, tabs,
+// commas or carriage returns between them. The answer is the number of characters taken, the line feed included, or 0
+// when the line is not whole, has fewer, or has anything unusual among them; the values are unspecified then.
+std::size_t parsePlainRow(std::string_view text, double * values, std::size_t n);
+
+// Takes such numbers, at most `most`, from however many lines they stand on. The one that the text ends with is left,
+// since it may go on.
+struct PlainNumbers {
+    std::size_t count = 0;
+    std::size_t taken = 0; // characters
+};
+PlainNumbers parsePlainNumbers(std::string_view text, double * values, std::size_t most);

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <memory>
 
 // Gathers some thousand values in file order and appends them to the vectors in turn. Whoever fills it flushes the
 // last.
@@ -14,18 +15,19 @@ template <class Element> class PointBlock {
 public:
     explicit PointBlock(YArray<dvec *> const & vectors) : vectors_(vectors) {
         std::size_t const columns = std::max<std::size_t>(vectors.size(), 1);
-        values_.resize(std::max<std::size_t>(blockValues / columns, 1) * columns);
+        size_ = std::max<std::size_t>(blockValues / columns, 1) * columns;
+        values_ = std::make_unique_for_overwrite<Element[]>(size_);
     }
 
     // Room for a whole point, at the start of one; addPoint takes over what has been written there.
     Element * room() noexcept { return &values_[used_]; }
     void addPoint() {
         used_ += columns();
-        if (used_ == values_.size()) flush();
+        if (used_ == size_) flush();
     }
     void add(Element value) {
         values_[used_++] = value;
-        if (used_ == values_.size()) flush();
+        if (used_ == size_) flush();
     }
     void flush() {
         for (std::size_t column = 0; column < vectors_.size(); ++column)
@@ -40,7 +42,8 @@ private:
     static constexpr std::size_t blockValues = 4096;
 
     YArray<dvec *> const & vectors_;
-    YArray<Element> values_; // whole points; only the last block may end within one
+    std::unique_ptr<Element[]> values_; // whole points; only the last block may end within one
+    std::size_t size_ = 0;
     std::size_t used_ = 0;
     std::uint64_t flushed_ = 0;
 };

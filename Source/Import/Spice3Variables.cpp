@@ -2,6 +2,7 @@
 
 #include "Groups/Group.h"
 #include "Import/Spice3Lines.h"
+#include "Import/UniqueNames.h"
 #include "support/Streams.h"
 #include "support/TextScan.h"
 
@@ -40,22 +41,6 @@ YString plainName(std::string_view token) {
     std::replace(name.begin(), name.end(), ':', '.');
     return YString(name);
 }
-
-// Makes names single in the group: a name that is taken gets "_1", "_2" and so on.
-class UniqueNames {
-public:
-    explicit UniqueNames(Group const & group) : group_(group) {}
-
-    YString operator()(YString const & name) {
-        YString candidate = name;
-        while (group_.find(candidate) != nullptr) candidate = YString::joined(name, {"_", YString(++used_[name])});
-        return candidate;
-    }
-
-private:
-    Group const & group_;
-    NameTable<unsigned> used_; // last number tried, so that many equal names cost one look-up each
-};
 
 // Points for which each vector takes memory ahead: a value needs two bytes of the file at the least.
 std::int64_t pointsAhead(tvfstream const & stream, Spice3Header const & header) {

@@ -93,6 +93,14 @@ VEC_ERROR IfVector::addVal(double value) {
     return VEC_OK;
 }
 
+bool IfVector::becomeComplex() {
+    VectorRep * own = appendable();
+    if (!own || own->type == VD_COMPLEX) return own;
+    if (own->type != VD_REAL || own->bytes() != 0) return false;
+    own->type = VD_COMPLEX;
+    return true;
+}
+
 void IfVector::appendVector(IfVector const * other, int, NameArray const & labels) {
     if (!rep || !other || !other->rep) return;
     VectorRep & own = *appendable();

@@ -5,7 +5,7 @@
 #include "torvelan/Messages.h"
 #include "torvelan/YString.h"
 
-// The kind of a file; only SPICE3 files can be read so far, the others are refused with a message.
+// The kind of a file. Those that have no reader yet are refused with a message.
 enum DataFileType : int {
     DATA_NOT_RECOGNISED = 0,
     DATA_TEXT = 1,
@@ -28,7 +28,12 @@ struct VecOpenGroupOptions {
 };
 
 // Reads a file into a new group. True on success, and *groupName (where given) is the group's name; false with a
-// message, and nothing is left in the store. The two values that are no file type, and any other number, read nothing
-// and answer true. Of a file with several data sets the first is read.
+// message otherwise. The group of a text table or a Quadrel file is made before anything is read, and stays with what
+// came in; of the other types nothing is left in the store after a failure. The two values that are no file type, and
+// any other number, read nothing and answer true. Of a file with several data sets the first is read.
 TORVELAN_API bool vec_OpenForeignDataFile(YString const & path, DataFileType type, VecOpenGroupOptions options,
                                           YString * groupName, YRef<MessageHandler> messages);
+
+// DATA_PSPICE for a file that begins as those of PSpice do, else DATA_NOT_RECOGNISED: every other type is for the
+// caller to know. DATA_CANNOT_OPEN when it does not open.
+TORVELAN_API DataFileType vec_TestDataFileType(YString const & path);

@@ -55,6 +55,10 @@ public:
     virtual VEC_ERROR addVal(complex const & value);
     virtual VEC_ERROR addVal(double value);
 
+    // Makes a numeric vector complex for everybody who shares its data. Allowed only while there are none: false
+    // otherwise, unless it is complex already.
+    bool becomeComplex();
+
     // Joins the data of `other` behind this vector's data, division entries shifted by the size that this had before;
     // the labels become `labels`.
     void appendVector(IfVector const * other, int linkIndex, NameArray const & labels);

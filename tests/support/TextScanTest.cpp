@@ -52,6 +52,34 @@ TEST(ScanLine, TokensAreViewsOfTheText) {
     EXPECT_EQ(scan(text, " ")[1].data(), text.data() + 3);
 }
 
+std::vector<std::string_view> tokensOf(std::string_view text, char quote = '\0') {
+    constexpr CharacterSet separators(" ,");
+    std::vector<std::string_view> tokens;
+    std::string_view token;
+    while (sp_GetToken(text, separators, token, quote)) tokens.push_back(token);
+    EXPECT_TRUE(token.empty() && text.empty());
+    return tokens;
+}
+
+TEST(GetToken, GoesFromSeparatorToSeparator) {
+    EXPECT_THAT(tokensOf(" a, bc ,,d"), ElementsAre("a", "bc", "d"));
+    EXPECT_THAT(tokensOf(" , "), IsEmpty());
+    EXPECT_THAT(tokensOf(""), IsEmpty());
+}
+
+TEST(GetToken, QuotesHoldSeparatorsWhereATokenBegins) {
+    EXPECT_THAT(tokensOf("\"a, b\" c", '"'), ElementsAre("a, b", "c"));
+    EXPECT_THAT(tokensOf("\"a\"b", '"'), ElementsAre("a", "b"));
+    EXPECT_THAT(tokensOf("a\"b c\"", '"'), ElementsAre("a\"b", "c\""));
+    EXPECT_THAT(tokensOf("\"\" x", '"'), ElementsAre("", "x"));
+    EXPECT_THAT(tokensOf("\"a b\""), ElementsAre("\"a", "b\""));
+}
+
+TEST(GetToken, AnOpenQuoteTakesTheRest) {
+    EXPECT_THAT(tokensOf("x \"a, b", '"'), ElementsAre("x", "a, b"));
+    EXPECT_THAT(tokensOf("\"", '"'), ElementsAre(""));
+}
+
 } // namespace
 
 TEST(EscapeString, KeepsATextOnOneLine) {

@@ -149,7 +149,7 @@ TEST_F(Tvsh, AGroupNamesWhereToLook) {
 
 TEST_F(Tvsh, TheTypeMayBeNamed) {
     EXPECT_EQ(run({"eval", "--open", "spice3:" + rawFile(), "mean(out)"}).status, done);
-    for (char const * type : {"native:", "text:", "spice2:", "pspice:", "csdf:", "quadrel:"})
+    for (char const * type : {"native:", "spice2:", "pspice:", "csdf:", "quadrel:"})
         EXPECT_EQ(run({"eval", "--open", type + rawFile(), "mean(out)"}).status, unreadable) << type;
 }
 

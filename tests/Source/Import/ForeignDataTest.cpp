@@ -2,7 +2,6 @@
 
 #include "RawFileFixture.h"
 #include "Vectors/BlockMemory.h"
-#include "torvelan/Evaluate.h"
 
 namespace {
 
@@ -12,12 +11,6 @@ using testing::IsEmpty;
 
 class ForeignDataTest : public RawFileFixture {
 protected:
-    // The store works, and nothing is left half made.
-    void expectUsable() {
-        double two = 0;
-        EXPECT_EQ(vec_Evaluate(&two, "1+1", ScpParseContext(messages_)), VEC_EVAL_OK);
-        EXPECT_EQ(two, 2);
-    }
     // 0 refused, 1 read; anything else fails the test.
     bool openAnything(std::string_view content) {
         Group * const head = groupListHead();
@@ -92,12 +85,42 @@ TEST_F(ForeignDataTest, TypesThatAreNoneReadNothing) {
 
 TEST_F(ForeignDataTest, TypesWithoutAReaderAreRefusedInWords) {
     Group * const head = groupListHead();
-    for (DataFileType const type : {DATA_TEXT, DATA_SPICE2, DATA_PSPICE, DATA_QUADREL}) {
+    for (DataFileType const type : {DATA_SPICE2, DATA_PSPICE, DATA_QUADREL}) {
         EXPECT_FALSE(openPath(file_.path(), type));
         ASSERT_EQ(texts().size(), 1u);
         EXPECT_THAT(texts()[0], HasSubstr("not supported yet"));
         EXPECT_EQ(groupListHead(), head);
     }
+}
+
+TEST_F(ForeignDataTest, TextGroupIsThereBeforeTheFileIsOpened) {
+    EXPECT_FALSE(openPath("/nonexistent/table.txt", DATA_TEXT));
+    ASSERT_EQ(texts().size(), 1u);
+    EXPECT_THAT(texts()[0], HasSubstr("/nonexistent/table.txt"));
+    EXPECT_EQ(groupName_, "untouched");
+    EXPECT_EQ(groupListHead()->title, "/nonexistent/table.txt");
+    EXPECT_TRUE(groupListHead()->name.beginsWith("text"));
+    EXPECT_TRUE(groupListHead()->vectors.empty());
+}
+
+TEST_F(ForeignDataTest, PSpiceFilesAreKnownByTheirFirstBytes) {
+    std::string const mark(6, '\xFF');
+    auto test = [this](std::string_view content) {
+        file_.rewrite(content);
+        return vec_TestDataFileType(file_.path());
+    };
+    EXPECT_EQ(test(mark + "\1\xF3"), DATA_PSPICE);
+    EXPECT_EQ(test(mark), DATA_PSPICE);
+    for (std::size_t i = 0; i < mark.size(); ++i) {
+        std::string other = mark + "\1\xF3";
+        other[i] = '\xFE';
+        EXPECT_EQ(test(other), DATA_NOT_RECOGNISED) << i;
+    }
+    EXPECT_EQ(test(mark.substr(1)), DATA_NOT_RECOGNISED);
+    EXPECT_EQ(test(""), DATA_NOT_RECOGNISED);
+    EXPECT_EQ(test(RawFile().text()), DATA_NOT_RECOGNISED);
+    EXPECT_EQ(vec_TestDataFileType("/nonexistent"), DATA_CANNOT_OPEN);
+    EXPECT_EQ(vec_TestDataFileType("/tmp"), DATA_CANNOT_OPEN);
 }
 
 TEST_F(ForeignDataTest, NameAndMessagesNeedNotBeAskedFor) {

@@ -35,4 +35,42 @@ TEST(PlainPoint, LeavesTheUnusual) {
         EXPECT_EQ(parsePlainPoint(text, pairs, 1), 0u) << text;
 }
 
+TEST(PlainRow, TakesAsManyNumbersAsAskedAndTheRestOfTheLine) {
+    double values[2] = {};
+    EXPECT_EQ(parsePlainRow("1,-2.5e3\n3", values, 2), 9u);
+    EXPECT_THAT(values, ElementsAre(1, -2500));
+    EXPECT_EQ(parsePlainRow(" .5\t, 2. word\r\n", values, 2), 15u);
+    EXPECT_THAT(values, ElementsAre(0.5, 2));
+}
+
+TEST(PlainRow, LeavesALineThatIsNotWhole) {
+    std::string_view const text = "1 2 3\n";
+    double values[2] = {};
+    for (std::size_t n = 0; n < text.size(); ++n) EXPECT_EQ(parsePlainRow(text.substr(0, n), values, 2), 0u) << n;
+    EXPECT_EQ(parsePlainRow(text, values, 2), 6u);
+}
+
+TEST(PlainRow, LeavesTheUnusual) {
+    double values[2] = {};
+    for (char const * text : {"1\n2\n", "\n1 2\n", "1k 2\n", "+1 2\n", "1 -\n", "1 .\n", "1 -.\n", "1 inf\n",
+                              "1 -inf\n", "1 nan\n", "1 1e\n", "(1 2)\n", "1 x\n", "1 0x10\n"})
+        EXPECT_EQ(parsePlainRow(text, values, 2), 0u) << text;
+}
+
+TEST(PlainNumbers, TakesThemFromManyLines) {
+    double values[4] = {};
+    PlainNumbers const run = parsePlainNumbers("\n1 2\r\n\n3,4 5\n", values, 4);
+    EXPECT_EQ(run.count, 4u);
+    EXPECT_EQ(run.taken, 10u);
+    EXPECT_THAT(values, ElementsAre(1, 2, 3, 4));
+}
+
+TEST(PlainNumbers, EndsBeforeTheUnusualAndBeforeTheLast) {
+    double values[4] = {};
+    EXPECT_EQ(parsePlainNumbers("1 2k 3\n", values, 4).count, 1u);
+    PlainNumbers const run = parsePlainNumbers("1 2", values, 4);
+    EXPECT_EQ(run.count, 1u);
+    EXPECT_EQ(run.taken, 1u);
+}
+
 } // namespace

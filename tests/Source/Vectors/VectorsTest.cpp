@@ -380,6 +380,24 @@ TEST(VectorModel, ManyShortDivisionsAreLinearInWork) {
     EXPECT_LT(BlockMemory::peakBytes() - before, 3 * bytes); // growth by half, old beside new
 }
 
+TEST(VectorModel, AnEmptyVectorBecomesComplexForAllWhoShareIt) {
+    XYVector x, y;
+    y.ref = x;
+    EXPECT_TRUE(x.becomeComplex());
+    EXPECT_TRUE(y.ref.isComplex());
+    x.addVal(complex{1, 2});
+    EXPECT_EQ(y.ref.getImag(0), 2);
+    EXPECT_TRUE(x.becomeComplex());
+
+    BaseVector real = realVector({1});
+    EXPECT_FALSE(real.becomeComplex());
+    EXPECT_TRUE(real.isReal());
+    BaseVector text;
+    text.setSize(0, VD_STRING);
+    EXPECT_FALSE(text.becomeComplex());
+    EXPECT_FALSE(IfVector().becomeComplex());
+}
+
 TEST(VectorModel, ManyDivisionsAreTakenBackOneByOneInLinearWork) {
     constexpr std::int64_t divisions = 100000;
     BaseVector v = realVector({0});

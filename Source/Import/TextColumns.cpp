@@ -1,0 +1,151 @@
+#include "Import/TextColumns.h"
+
+#include "Import/PlainPoint.h"
+#include "Import/PointBlock.h"
+#include "Import/TextNames.h"
+#include "support/Numbers.h"
+#include "support/Streams.h"
+#include "torvelan/dvec.h"
+
+namespace {
+
+double toNumber(std::string_view token) {
+    return sp_ConvertEngToReal(token, nullptr);
+}
+
+// A point alone, or before a word, is none.
+bool isNumber(std::string_view token) {
+    return looksLikeNumber(token) && (token.front() != '.' || looksLikeNumber(token.substr(1)));
+}
+
+bool takesPairs(dvec const & vector) {
+    return vector.isComplex() && !equalNoCase(vector.name(), "FREQUENCY");
+}
+
+class ColumnReader {
+public:
+    ColumnReader(tvfstream & stream, YArray<dvec *> const & vectors)
+        : stream_(stream), vectors_(vectors), block_(vectors), plain_(arePlain(vectors)) {}
+
+    // True when another block follows.
+    bool read() {
+        RowEnd end = RowEnd::next;
+        while (end == RowEnd::next) {
+            readPlainRows();
+            end = readRow();
+        }
+        return end == RowEnd::newBlock;
+    }
+
+private:
+    enum class RowEnd { next, fileEnd, newBlock };
+    enum class Taken { value, notANumber, badPair };
+
+    // Each vector once, and all real: rows may be gathered before they are appended.
+    static bool arePlain(YArray<dvec *> vectors) {
+        std::sort(vectors.begin(), vectors.end());
+        return std::adjacent_find(vectors.begin(), vectors.end()) == vectors.end() &&
+               std::all_of(vectors.begin(), vectors.end(), [](dvec const * v) { return v->isReal(); });
+    }
+
+    // Rows where they lie in the stream's buffer, as long as there is nothing unusual about them. They give what
+    // readRow would, only sooner.
+    void readPlainRows() {
+        if (!plain_) return;
+        while (std::size_t const taken = parsePlainRow(stream_.buffered(), block_.room(), block_.columns())) {
+            stream_.skipBuffered(taken);
+            block_.addPoint();
+        }
+        block_.flush();
+    }
+
+    RowEnd readRow() {
+        if (!stream_.getline(&line_)) return RowEnd::fileEnd;
+        rest_ = line_;
+        for (std::size_t column = 0; column < vectors_.size(); ++column) {
+            std::string_view const token = nextToken();
+            if (token.empty()) return column == 0 ? RowEnd::next : endShortRow(column);
+            Taken const taken = takeValue(*vectors_[column], token);
+            if (taken == Taken::badPair) return RowEnd::fileEnd;
+            if (taken == Taken::notANumber) return endBlock(column);
+        }
+        return endRow();
+    }
+
+    RowEnd endRow() const { return stream_.eof() || stream_.fail() ? RowEnd::fileEnd : RowEnd::next; }
+
+    RowEnd endShortRow(std::size_t column) {
+        fill(column);
+        return endRow();
+    }
+
+    // The line will be read again, as the first of the next block. One that the end of the file has cut off has no
+    // line end to go back over, and the stream stands before the one of the line above then.
+    RowEnd endBlock(std::size_t column) {
+        stream_.seekg(-static_cast<std::int64_t>(line_.size()) - 1, 1);
+        if (column != 0) fill(column);
+        return RowEnd::newBlock;
+    }
+
+    void fill(std::size_t column) {
+        for (; column < vectors_.size(); ++column) vectors_[column]->addVal(0.0);
+    }
+
+    std::string_view nextToken() {
+        std::string_view token;
+        sp_GetToken(rest_, textSeparators, token);
+        return token;
+    }
+
+    Taken takeValue(dvec & vector, std::string_view token) {
+        if (token.front() == '(' || takesPairs(vector)) return takePair(vector, token) ? Taken::value : Taken::badPair;
+        if (!isNumber(token)) return Taken::notANumber;
+        vector.addVal(toNumber(token));
+        return Taken::value;
+    }
+
+    // "(1,2)", "( 1 2 )" and the like, or without parentheses.
+    bool takePair(dvec & vector, std::string_view token) {
+        bool const opened = token.front() == '(';
+        if (opened) token.remove_prefix(1);
+        if (token.empty()) token = nextToken();
+        complex value;
+        value.re = toNumber(token);
+        token = nextToken();
+        value.im = toNumber(token);
+        if (opened && !token.ends_with(')') && nextToken() != ")") return false;
+        if (!vector.becomeComplex()) return false;
+        plain_ = false;
+        vector.addVal(value);
+        return true;
+    }
+
+    tvfstream & stream_;
+    YArray<dvec *> const & vectors_;
+    PointBlock<double> block_;
+    bool plain_;
+    YString line_;
+    std::string_view rest_; // of the line
+};
+
+} // namespace
+
+bool readTextColumns(tvfstream & stream, YArray<dvec *> const & vectors) {
+    return ColumnReader(stream, vectors).read();
+}
+
+void readAllNumbers(tvfstream & stream, dvec & vector) {
+    constexpr std::size_t most = 4096;
+    YArray<double> values(most);
+    YString line;
+    do {
+        std::string_view rest = line, token;
+        while (sp_GetToken(rest, textSeparators, token))
+            if (looksLikeNumber(token)) vector.addVal(toNumber(token));
+        PlainNumbers run;
+        while ((run = parsePlainNumbers(stream.buffered(), values.data(), most)).count != 0) {
+            stream.skipBuffered(run.taken);
+            for (std::size_t i = 0; i < run.count; ++i) vector.addVal(values[i]);
+        }
+    } while (stream.getline(&line));
+}

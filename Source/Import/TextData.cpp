@@ -1,0 +1,92 @@
+#include "Import/TextData.h"
+
+#include "Groups/GroupStore.h"
+#include "Import/TextColumns.h"
+#include "Import/TextHeader.h"
+#include "Import/TextNames.h"
+#include "Import/UniqueNames.h"
+#include "support/Streams.h"
+
+#include <numeric>
+
+namespace {
+
+enum class BlockEnd {
+    finished = 0,
+    another = 1, // a block follows
+    badFormat = 3,
+};
+
+class TextReader {
+public:
+    TextReader(tvfstream & stream, Group * group, bool keepColons)
+        : stream_(stream), group_(group), keepColons_(keepColons), names_(*group) {}
+
+    BlockEnd readBlock() {
+        TextHeader const header = readTextHeader(stream_);
+        if (!header.label.empty()) group_->addLabel(header.label);
+        YArray<dvec *> vectors; // in file order
+        makeVectors(header, vectors);
+        if (stream_.eof()) return BlockEnd::badFormat;
+        bool const another = vectors.empty() ? readNumbers(vectors) : readTextColumns(stream_, vectors);
+        if (vectors.size() == 1) giveIndex(*vectors.front());
+        return another ? BlockEnd::another : BlockEnd::finished;
+    }
+
+private:
+    void makeVectors(TextHeader const & header, YArray<dvec *> & vectors) {
+        std::string_view rest = header.firstLine, token;
+        while (sp_GetToken(rest, textSeparators, token, '"') && !looksLikeNumber(token)) {
+            TextName const named = textName(withoutColons(token, keepColons_));
+            vectors.push_back(header.continues() ? continuedVector(named.name) : newVector(named.name, named.type));
+            if (!header.continues() && vectors.size() > 1) vectors.back()->ref = *vectors.front();
+        }
+    }
+
+    dvec * newVector(YString const & name, PhysType type) {
+        auto * vector = new dvec(names_(name), group_, type);
+        vector->enterGroup();
+        return vector;
+    }
+
+    // One that the group does not have stays outside of it, and goes with the other temporaries.
+    dvec * continuedVector(YString const & name) {
+        dvec * vector = group_->find(name);
+        if (vector == nullptr) return new dvec(name, group_, PT_UNKNOWN);
+        vector->addDivision(group_->name);
+        return vector;
+    }
+
+    // A file without names is one vector, from its very start.
+    bool readNumbers(YArray<dvec *> & vectors) {
+        stream_.seekg(0);
+        vectors.push_back(newVector("Data", PT_UNKNOWN));
+        readAllNumbers(stream_, *vectors.front());
+        return false;
+    }
+
+    static void giveIndex(dvec & vector) {
+        NamedVector index("Index");
+        index.setSize(vector.length(), VD_REAL);
+        double * const values = index.writableRealData();
+        std::iota(values, values + vector.length(), 0.0);
+        vector.ref = index;
+    }
+
+    tvfstream & stream_;
+    Group * group_;
+    bool keepColons_;
+    UniqueNames names_;
+};
+
+} // namespace
+
+bool readTextData(tvfstream & stream, Group * group, bool keepColons, MessageHandler & messages) {
+    nameSpace().current = group;
+    TextReader reader(stream, group, keepColons);
+    BlockEnd end;
+    do end = reader.readBlock();
+    while (end == BlockEnd::another);
+    if (end == BlockEnd::badFormat) messages.error("Bad format in ASCII data file");
+    return end == BlockEnd::finished;
+}
