@@ -2,6 +2,7 @@
 
 #include "Groups/GroupStore.h"
 #include "Import/PSpiceSignature.h"
+#include "Import/Spice2.h"
 #include "Import/Spice3.h"
 #include "Import/TextData.h"
 #include "support/Files.h"
@@ -18,6 +19,10 @@ bool readTextFile(tvfstream & stream, Group * group, VecOpenGroupOptions options
     return readTextData(stream, group, options.keepColons, messages);
 }
 
+bool readSpice2File(tvfstream & stream, Group * group, VecOpenGroupOptions, MessageHandler & messages) {
+    return readSpice2(stream, group, messages);
+}
+
 bool readSpice3File(tvfstream & stream, Group * group, VecOpenGroupOptions, MessageHandler & messages) {
     constexpr std::int32_t bufferBytes = 1024;
     return readSpice3(stream, group, bufferBytes, messages) == Spice3Result::done;
@@ -32,7 +37,7 @@ struct ReaderRow {
 
 constexpr ReaderRow readerRows[] = {
     {DATA_TEXT, "text", readTextFile, nullptr},
-    {DATA_SPICE2, nullptr, nullptr, "Reading SPICE2 raw files is not supported yet"},
+    {DATA_SPICE2, nullptr, readSpice2File, "Spice2 raw data file read failed because of incorrect format"},
     {DATA_SPICE3, nullptr, readSpice3File, "SPICE3 raw data file read failed because of incorrect format"},
     {DATA_PSPICE, nullptr, nullptr, "Reading PSpice data files is not supported yet"},
     {DATA_QUADREL, nullptr, nullptr, "Reading Quadrel data files is not supported yet"},

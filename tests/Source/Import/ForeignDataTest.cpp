@@ -85,7 +85,7 @@ TEST_F(ForeignDataTest, TypesThatAreNoneReadNothing) {
 
 TEST_F(ForeignDataTest, TypesWithoutAReaderAreRefusedInWords) {
     Group * const head = groupListHead();
-    for (DataFileType const type : {DATA_SPICE2, DATA_PSPICE, DATA_QUADREL}) {
+    for (DataFileType const type : {DATA_PSPICE, DATA_QUADREL}) {
         EXPECT_FALSE(openPath(file_.path(), type));
         ASSERT_EQ(texts().size(), 1u);
         EXPECT_THAT(texts()[0], HasSubstr("not supported yet"));
