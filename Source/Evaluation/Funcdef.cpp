@@ -30,9 +30,10 @@ struct Registry {
     YArray<Location> locations;
 };
 
-// Made on first use, since static initialisers run in no particular order.
+// Made on first use, since static initialisers run in no particular order, and never destroyed, since a session may end
+// among static destructors.
 Registry & registry() {
-    static Registry theRegistry;
+    static auto & theRegistry = *new Registry;
     return theRegistry;
 }
 

@@ -11,9 +11,10 @@ struct TimerSet {
     std::uint32_t generation = 1; // raised when the timers end, so that whoever knows one can tell
 };
 
+// Never destroyed: a session among the static objects of a program ends after what its calls have made.
 TimerSet & timerSet() {
-    static TimerSet theSet;
-    return theSet;
+    static auto & set = *new TimerSet;
+    return set;
 }
 
 CommandTimer * findTimer(TimerSet & set, FuncInfo & info) {

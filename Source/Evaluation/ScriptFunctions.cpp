@@ -10,8 +10,9 @@ namespace {
 
 constexpr int mostArguments = FuncInfo::maxArguments - 1; // Execute takes the script's name as well
 
+// Never destroyed, since a session may end among static destructors.
 std::forward_list<ScriptFunction> & list() {
-    static std::forward_list<ScriptFunction> functions;
+    static auto & functions = *new std::forward_list<ScriptFunction>;
     return functions;
 }
 

@@ -16,13 +16,13 @@ constexpr int lastSuffix = 998;
 
 MakeOption const tempDataDir("TempDataDir", defaultDirectory, OptionPersistence::stored, __FILE__, __LINE__);
 
-// Each is found once in a session.
+// Each is found once in a session. Never destroyed: groups with files may end among static destructors.
 struct Directories {
     YString atStart;
     YString ofNames; // looked for again when the first name is made
 };
 Directories & directories() {
-    static Directories instance;
+    static auto & instance = *new Directories;
     return instance;
 }
 

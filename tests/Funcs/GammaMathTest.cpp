@@ -1,4 +1,5 @@
-// The gamma family and the error functions against values of high precision, at the edges of their ranges and as scripts know them.
+// The gamma family and the error functions against values of high precision, at the edges of their ranges and as
+// scripts know them.
 
 #include "Funcs/GammaMath.h"
 

@@ -1,4 +1,6 @@
+#include "Evaluation/ScriptFunctions.h"
 #include "Source/Groups/StoreFixture.h"
+#include "torvelan/Evaluate.h"
 #include "torvelan/Functions.h"
 
 #include <fstream>
@@ -75,6 +77,18 @@ TEST(Session, CommandCollectsTheTemporariesOfTheOneBefore) {
     EXPECT_EQ(deaths, 0);
     EngineSession::Command command;
     EXPECT_EQ(deaths, 1);
+}
+
+// It ends among the static objects of the program then, behind those that calls have made on first use.
+TEST(SessionDeathTest, ASessionMayLastAsLongAsTheProgram) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    auto const runToTheEnd = [] {
+        static EngineSession const session;
+        registerScriptFunction("f", "s", 0, 1);
+        double value;
+        std::exit(vec_Evaluate(&value, YString("sin(0)"), ScpParseContext(std::make_shared<NullMessageHandler>())));
+    };
+    EXPECT_EXIT(runToTheEnd(), testing::ExitedWithCode(VEC_EVAL_OK), "");
 }
 
 TEST(Session, EndsEverythingAndAnotherMayStart) {
