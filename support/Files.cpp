@@ -51,12 +51,12 @@ int writeError(YString const & path) {
 
 int openForReading(YString const & path) noexcept {
     if (holdsNul(path)) return refuse(ENOENT);
-    int const descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    int const descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); // a pipe would wait for a writer
     struct stat status {};
     if (descriptor < 0) return -1;
-    if (fstat(descriptor, &status) == 0 && !isDirectory(status)) return descriptor;
+    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) return descriptor;
     close(descriptor);
-    return refuse(EISDIR);
+    return refuse(isDirectory(status) ? EISDIR : ESPIPE);
 }
 
 bool sp_FileOpenForensicMsg(YString const & path, int mode, YString * text) {

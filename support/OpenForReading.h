@@ -3,5 +3,6 @@
 
 #include "torvelan/YString.h"
 
-// A file descriptor, or -1 with errno set. Directories and names that hold a NUL are refused.
+// A file descriptor, or -1 with errno set. What is no regular file (directories, pipes, devices) and names that hold a
+// NUL are refused.
 int openForReading(YString const & path) noexcept;

@@ -37,6 +37,10 @@ bool holdsNul(YString const & path) {
     return path.view().find('\0') != std::string_view::npos;
 }
 
+bool isLetter(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
 std::optional<std::string> expandedName(std::string_view name) {
     if (equalNoCase(name, "TEMPPATH")) return std::string(sp_GetTempPath());
     return std::nullopt;
@@ -64,6 +68,22 @@ YString sp_TranslateLogicalPath(YString const & path) {
         rest.remove_prefix(value ? end + 1 : 1);
     }
     return YString(out);
+}
+
+PathName sp_SplitPath(YString const & path) {
+    std::string_view rest = path.view();
+    auto const cut = [&rest](std::size_t n) {
+        YString const piece(rest.substr(0, n));
+        rest.remove_prefix(piece.size());
+        return piece;
+    };
+    bool const hasDrive = rest.size() > 1 && rest[1] == ':' && isLetter(rest[0]);
+    PathName parts;
+    parts.drive = cut(hasDrive ? 2 : 0);
+    parts.directory = cut(rest.find_last_of("/\\") + 1);
+    parts.name = cut(rest.rfind('.'));
+    parts.extension = YString(rest);
+    return parts;
 }
 
 bool sp_ExistDir(YString const & path) {

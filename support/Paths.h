@@ -10,6 +10,15 @@ YString sp_GetTempPath();
 // A path with the %-names in it expanded, in any case: %TEMPPATH%. Other names stay as they are.
 YString sp_TranslateLogicalPath(YString const & path);
 
+// The parts of a path; joined they are the path again.
+struct PathName {
+    YString drive;     // "c:", or empty
+    YString directory; // up to and including the last separator of either kind
+    YString name;
+    YString extension; // from the last dot on
+};
+PathName sp_SplitPath(YString const & path);
+
 bool sp_ExistDir(YString const & path);
 bool sp_MakeTree(YString const & path); // with all folders above it; new ones are for this user alone
 // Whether files can be made in it.

@@ -1,8 +1,11 @@
 #include "support/System.h"
 
+#include "torvelan/Host.h"
+
 #include <cstdint>
 #include <dlfcn.h>
 #include <pthread.h>
+#include <unistd.h>
 
 namespace {
 
@@ -23,6 +26,16 @@ std::size_t sp_StackAvail() noexcept {
     static thread_local std::uintptr_t const bottom = stackBottom(); // costly to find out
     auto const here = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
     return here > bottom ? here - bottom : 0;
+}
+
+std::uint64_t sp_GetSystemRamSize() noexcept {
+    long const pages = sysconf(_SC_PHYS_PAGES);
+    long const pageSize = sysconf(_SC_PAGE_SIZE);
+    return pages > 0 && pageSize > 0 ? static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(pageSize) : 0;
+}
+
+void sp_ProcessEvents() {
+    if (DynamicFunction const process = support_GetDynamicFunction("ProcessEvents")) process();
 }
 
 YString sp_GetRunningDllPath(void const * address) {

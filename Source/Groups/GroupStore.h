@@ -63,6 +63,9 @@ struct SimulationFile {
     YString path;
     bool temporary = false; // goes with the group
 };
+// Gives a group that has none its data file; VEC_HAS_DATA_FILE, or the answer of the maker of files. A `temporary` file
+// goes with the group.
+VEC_ERROR createDataFile(Group & group, YString const & path, bool temporary, YRef<MessageHandler> const & messages);
 // Makes a group ready for a run, and current. The answer is that of making the file.
 VEC_ERROR initialiseRun(Group & group, SimulationFile const & file, YRef<MessageHandler> const & messages,
                         YString * path);

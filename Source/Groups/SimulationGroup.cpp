@@ -5,14 +5,6 @@
 
 namespace {
 
-VEC_ERROR createDataFile(Group & group, YString const & path, bool temporary, YRef<MessageHandler> const & messages) {
-    if (group.dataFile != nullptr) return VEC_HAS_DATA_FILE;
-    auto const create = dataFileMakers().create;
-    VEC_ERROR const answer = create != nullptr ? create(group, path, messages) : VEC_NO_DATA_FILE;
-    if (answer == VEC_OK) group.dataFileTemporary = temporary;
-    return answer;
-}
-
 // A name is a file at once, so none is made for a group that will get no file.
 YString nameFor(Group const & group) {
     bool const getsFile = group.dataFile == nullptr && dataFileMakers().create != nullptr;
@@ -39,6 +31,14 @@ void nameGroupMeant(Group & group, std::string_view vectorName) {
 }
 
 } // namespace
+
+VEC_ERROR createDataFile(Group & group, YString const & path, bool temporary, YRef<MessageHandler> const & messages) {
+    if (group.dataFile != nullptr) return VEC_HAS_DATA_FILE;
+    auto const create = dataFileMakers().create;
+    VEC_ERROR const answer = create != nullptr ? create(group, path, messages) : VEC_NO_DATA_FILE;
+    if (answer == VEC_OK) group.dataFileTemporary = temporary;
+    return answer;
+}
 
 VEC_ERROR initialiseRun(Group & group, SimulationFile const & file, YRef<MessageHandler> const & messages,
                         YString * path) {

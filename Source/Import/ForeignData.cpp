@@ -1,14 +1,14 @@
 #include "torvelan/ForeignData.h"
 
-#include "Groups/GroupStore.h"
+#include "Import/GroupBeingRead.h"
+#include "Import/OutputFile.h"
+#include "Import/PSpice.h"
 #include "Import/PSpiceSignature.h"
 #include "Import/Spice2.h"
 #include "Import/Spice3.h"
 #include "Import/TextData.h"
 #include "support/Files.h"
 #include "support/Streams.h"
-
-#include <memory>
 
 namespace {
 
@@ -25,7 +25,11 @@ bool readSpice2File(tvfstream & stream, Group * group, VecOpenGroupOptions, Mess
 
 bool readSpice3File(tvfstream & stream, Group * group, VecOpenGroupOptions, MessageHandler & messages) {
     constexpr std::int32_t bufferBytes = 1024;
-    return readSpice3(stream, group, bufferBytes, messages) == Spice3Result::done;
+    return readSpice3(stream, group, OutputFile(), bufferBytes, messages) == Spice3Result::done;
+}
+
+bool readPSpiceFile(tvfstream & stream, Group * group, VecOpenGroupOptions, MessageHandler & messages) {
+    return testPSpiceSignature(stream) && readPSpice(stream, group, messages);
 }
 
 struct ReaderRow {
@@ -39,7 +43,7 @@ constexpr ReaderRow readerRows[] = {
     {DATA_TEXT, "text", readTextFile, nullptr},
     {DATA_SPICE2, nullptr, readSpice2File, "Spice2 raw data file read failed because of incorrect format"},
     {DATA_SPICE3, nullptr, readSpice3File, "SPICE3 raw data file read failed because of incorrect format"},
-    {DATA_PSPICE, nullptr, nullptr, "Reading PSpice data files is not supported yet"},
+    {DATA_PSPICE, nullptr, readPSpiceFile, "PSpice data file read failed because of incorrect format"},
     {DATA_QUADREL, nullptr, nullptr, "Reading Quadrel data files is not supported yet"},
 };
 
@@ -49,14 +53,7 @@ ReaderRow const * findReader(DataFileType type) {
     return nullptr;
 }
 
-// The group that is read into: it goes unless it has been listed.
-struct DiscardUnlisted {
-    void operator()(Group * group) const {
-        if (!group->listed) discardGroup(group);
-    }
-};
-using GroupBeingRead = std::unique_ptr<Group, DiscardUnlisted>;
-
+// The group that is read into.
 GroupBeingRead makeGroupFor(ReaderRow const * row, YString const & path) {
     bool const atOnce = row != nullptr && row->baseName != nullptr;
     return GroupBeingRead(atOnce ? makeGroup(path, row->baseName, 0) : makeUnlistedGroup(YString()));

@@ -65,10 +65,11 @@ bool readVariableLine(tvfstream & stream, int index, Spice3Line & line, Variable
 
 class VariableListReader {
 public:
-    VariableListReader(tvfstream & stream, Group * group, Spice3Header const & header, std::int32_t bufferBytes,
+    VariableListReader(tvfstream & stream, Group * group, Spice3Header const & header, Spice3Memory memory,
                        MessageHandler & messages)
         : stream_(stream), group_(group), header_(header), messages_(messages), names_(*group),
-          bufferBytes_(spice3BufferBytes(header, bufferBytes)), capacity_(pointsAhead(stream, header)) {}
+          bufferBytes_(spice3BufferBytes(header, memory.bufferBytes)),
+          capacity_(memory.takeAhead ? pointsAhead(stream, header) : 0) {}
 
     Spice3Result read(YArray<dvec *> & vectors) {
         for (int i = 0; i < header_.numVariables; ++i) {
@@ -139,7 +140,7 @@ std::int32_t spice3BufferBytes(Spice3Header const & header, std::int32_t budget)
     return static_cast<std::int32_t>(std::min(share, std::max<std::int64_t>(wanted, 1024)));
 }
 
-Spice3Result readSpice3Variables(tvfstream & stream, Group * group, Spice3Header const & header,
-                                 std::int32_t bufferBytes, YArray<dvec *> & vectors, MessageHandler & messages) {
-    return VariableListReader(stream, group, header, bufferBytes, messages).read(vectors);
+Spice3Result readSpice3Variables(tvfstream & stream, Group * group, Spice3Header const & header, Spice3Memory memory,
+                                 YArray<dvec *> & vectors, MessageHandler & messages) {
+    return VariableListReader(stream, group, header, memory, messages).read(vectors);
 }

@@ -1,6 +1,7 @@
 #include "support/System.h"
 
 #include "support/Streams.h"
+#include "torvelan/Host.h"
 
 #include <climits>
 #include <gmock/gmock.h>
@@ -83,6 +84,23 @@ TEST(Random, VisitsEveryStateOnce) {
         ASSERT_FALSE(seen[seed.value & 0xFFFFU]);
         seen[seed.value & 0xFFFFU] = true;
     }
+}
+
+TEST(System, MemoryOfTheMachineIsKnown) {
+    EXPECT_GT(sp_GetSystemRamSize(), 64u << 20);
+}
+
+int eventsProcessed = 0;
+
+TEST(System, EventsAreTheHosts) {
+    sp_ProcessEvents(); // of nobody
+    EXPECT_EQ(eventsProcessed, 0);
+    MakeDynamicFunction("ProcessEvents", [] { ++eventsProcessed; });
+    sp_ProcessEvents();
+    EXPECT_EQ(eventsProcessed, 1);
+    MakeDynamicFunction("ProcessEvents", nullptr);
+    sp_ProcessEvents();
+    EXPECT_EQ(eventsProcessed, 1);
 }
 
 } // namespace

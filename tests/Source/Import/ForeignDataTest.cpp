@@ -3,27 +3,15 @@
 #include "RawFileFixture.h"
 #include "Vectors/BlockMemory.h"
 
+#include <sys/stat.h>
+
 namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class ForeignDataTest : public RawFileFixture {
-protected:
-    // 0 refused, 1 read; anything else fails the test.
-    bool openAnything(std::string_view content) {
-        Group * const head = groupListHead();
-        bool const done = open(content);
-        EXPECT_EQ(groupListHead() == head, !done);
-        EXPECT_EQ(texts().empty(), done);
-        if (done) {
-            EXPECT_EQ(groupListHead(), group());
-            vec_DestroyGroup(groupName_, false);
-        }
-        return done;
-    }
-};
+using ForeignDataTest = RawFileFixture;
 
 TEST_F(ForeignDataTest, GroupIsNamedListedAndCurrent) {
     ASSERT_TRUE(open(RawFile()));
@@ -85,7 +73,7 @@ TEST_F(ForeignDataTest, TypesThatAreNoneReadNothing) {
 
 TEST_F(ForeignDataTest, TypesWithoutAReaderAreRefusedInWords) {
     Group * const head = groupListHead();
-    for (DataFileType const type : {DATA_PSPICE, DATA_QUADREL}) {
+    for (DataFileType const type : {DATA_QUADREL}) {
         EXPECT_FALSE(openPath(file_.path(), type));
         ASSERT_EQ(texts().size(), 1u);
         EXPECT_THAT(texts()[0], HasSubstr("not supported yet"));
@@ -121,6 +109,18 @@ TEST_F(ForeignDataTest, PSpiceFilesAreKnownByTheirFirstBytes) {
     EXPECT_EQ(test(RawFile().text()), DATA_NOT_RECOGNISED);
     EXPECT_EQ(vec_TestDataFileType("/nonexistent"), DATA_CANNOT_OPEN);
     EXPECT_EQ(vec_TestDataFileType("/tmp"), DATA_CANNOT_OPEN);
+}
+
+TEST_F(ForeignDataTest, PipeInThePlaceOfAFileIsNamedAtOnce) {
+    std::string const path = std::string(file_.path()) + ".fifo";
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    for (DataFileType const type : {DATA_TEXT, DATA_SPICE2, DATA_SPICE3, DATA_PSPICE, DATA_QUADREL}) {
+        EXPECT_FALSE(openPath(path.c_str(), type));
+        ASSERT_EQ(texts().size(), 1u);
+        EXPECT_THAT(texts()[0], HasSubstr(path));
+    }
+    EXPECT_EQ(vec_TestDataFileType(path.c_str()), DATA_CANNOT_OPEN);
+    std::remove(path.c_str());
 }
 
 TEST_F(ForeignDataTest, NameAndMessagesNeedNotBeAskedFor) {

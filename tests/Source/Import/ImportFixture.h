@@ -78,6 +78,28 @@ protected:
         return result;
     }
     std::vector<std::string> const & texts() const { return messages_->texts; }
+    // A refusal by a reader that lists its group only when all went well: the general message last, nothing in the
+    // store.
+    void expectRefused(std::string_view content, DataFileType type, char const * message) {
+        Group * const head = groupListHead();
+        EXPECT_FALSE(open(content, type));
+        ASSERT_FALSE(texts().empty());
+        EXPECT_EQ(texts().back(), message);
+        EXPECT_EQ(groupListHead(), head);
+        EXPECT_EQ(groupName_, "untouched");
+    }
+    // Whether such a reader took it. The group that came of it is destroyed again.
+    bool openAnything(std::string_view content, DataFileType type) {
+        Group * const head = groupListHead();
+        bool const done = open(content, type);
+        EXPECT_EQ(groupListHead() == head, !done);
+        EXPECT_EQ(texts().empty(), done);
+        if (done) {
+            EXPECT_EQ(groupListHead(), group());
+            vec_DestroyGroup(groupName_, false);
+        }
+        return done;
+    }
     void expectUsable() {
         double two = 0;
         EXPECT_EQ(vec_Evaluate(&two, "1+1", ScpParseContext(messages_)), VEC_EVAL_OK);

@@ -1,0 +1,27 @@
+// Where the values of a data set go as they are read.
+#pragma once
+
+#include "torvelan/Messages.h"
+#include "torvelan/YString.h"
+
+struct Group;
+
+// A native data file to be, or, made by default, none: the values stay in memory.
+class OutputFile {
+public:
+    enum class Replaces { any, nativeOnly }; // what else may stand in its place
+
+    OutputFile() = default;
+    OutputFile(YString path, Replaces replaces, YRef<MessageHandler> messages)
+        : path_(std::move(path)), replaces_(replaces), messages_(std::move(messages)) {}
+
+    bool isWanted() const noexcept { return messages_ != nullptr; }
+    // Makes the file, for a group that has its name and its vectors; what is appended to them from now on goes there.
+    // Where that cannot be, they stay in memory, with a warning. Nothing is written through a symbolic link.
+    void attachTo(Group & group) const;
+
+private:
+    YString path_;
+    Replaces replaces_ = Replaces::any;
+    YRef<MessageHandler> messages_;
+};

@@ -1,0 +1,174 @@
+#include "torvelan/ForeignData.h"
+
+#include "Import/OutputFile.h"
+#include "RawFileFixture.h"
+#include "Source/Groups/DataFileFixture.h"
+
+#include <filesystem>
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+// Data files are recorded, not made.
+class OpenRawFileTest : public RawFileFixture {
+protected:
+    OpenRawFileTest() {
+        present = this;
+        dataFileMakers().create = create;
+    }
+    ~OpenRawFileTest() override {
+        vec_DestroyAllGroups();
+        dataFileMakers() = {};
+        present = nullptr;
+    }
+
+    bool openRaw(std::string_view content, char const * output = "out.tvdat", VecOpenRawFileOptions options = {}) {
+        file_.rewrite(content);
+        messages_->clear();
+        events.clear();
+        return vec_OpenRawFile(file_.path(), output, options, messages_);
+    }
+    static std::vector<std::string> groupNames() {
+        std::vector<std::string> result;
+        for (Group * g = groupListHead(); g != nullptr; g = g->next)
+            if (!g->isProtected() && !g->isLocal()) result.insert(result.begin(), std::string(g->name.view()));
+        return result;
+    }
+    static Group * newest() { return groupListHead(); }
+
+    Texts events; // of all data files
+    bool canCreate = true;
+
+private:
+    static VEC_ERROR create(Group & group, YString const & path, YRef<MessageHandler> const &) {
+        std::string const vectors = std::to_string(group.vectorsInOrder().size());
+        std::string const kind(group.name.view().substr(0, group.name.view().find('_')));
+        present->events.push_back(std::string(path.view()) + " for " + vectors + " vectors of " + kind);
+        if (!present->canCreate) return VEC_NO_DATA_FILE;
+        group.dataFile = std::make_shared<RecordedDataFile>(std::string(path.view()), present->events);
+        return VEC_OK;
+    }
+
+    static inline OpenRawFileTest * present = nullptr;
+};
+
+TEST_F(OpenRawFileTest, EachSetGetsAGroupAndADataFile) {
+    RawFile second;
+    second.values = "0 7 8\n1 9 10\n";
+    ASSERT_TRUE(openRaw(RawFile().text() + second.text() + second.text()));
+    EXPECT_THAT(texts(), IsEmpty());
+    EXPECT_THAT(groupNames(), SizeIs(3));
+    EXPECT_THAT(events, ElementsAre("out.tvdat for 2 vectors of spice3", "out_1.tvdat for 2 vectors of spice3",
+                                    "out_2.tvdat for 2 vectors of spice3"));
+    EXPECT_THAT(realsOf(*newest()->find("out")), ElementsAre(8, 10));
+    EXPECT_EQ(newest()->runId, 0u);
+}
+
+TEST_F(OpenRawFileTest, NumberGoesBeforeTheExtensionWhateverTheSeparator) {
+    std::string const text = RawFile().text() + RawFile().text();
+    for (auto const & [output, second] :
+         std::vector<std::pair<char const *, std::string>>{{"c:\\data\\x.tvdat", "c:\\data\\x_1.tvdat"},
+                                                           {"a.b/c", "a.b/c_1"},
+                                                           {"a\\b.c\\d.e.f", "a\\b.c\\d.e_1.f"}}) {
+        ASSERT_TRUE(openRaw(text, output));
+        ASSERT_THAT(events, SizeIs(2));
+        EXPECT_THAT(events[1], HasSubstr(second + " for"));
+    }
+}
+
+TEST_F(OpenRawFileTest, EmptyFileIsNoMistake) {
+    EXPECT_TRUE(openRaw(""));
+    EXPECT_THAT(texts(), IsEmpty());
+    EXPECT_THAT(groupNames(), IsEmpty());
+}
+
+TEST_F(OpenRawFileTest, BadFirstSetIsRefused) {
+    for (std::string const & text : {std::string("no colon\n"), std::string("\n\n"), std::string("Title: x\n")}) {
+        EXPECT_FALSE(openRaw(text));
+        EXPECT_THAT(texts(), ElementsAre(generalFailure));
+        EXPECT_THAT(groupNames(), IsEmpty());
+    }
+}
+
+TEST_F(OpenRawFileTest, BadLaterSetIsRefusedAndTheOnesBeforeStay) {
+    RawFile bad;
+    bad.valuesLine = "Binary:\n";
+    EXPECT_FALSE(openRaw(RawFile().text() + bad.text()));
+    EXPECT_THAT(texts(), ElementsAre(generalFailure));
+    EXPECT_THAT(groupNames(), SizeIs(1));
+    EXPECT_THAT(events, ElementsAre("out.tvdat for 2 vectors of spice3", "out_1.tvdat for 2 vectors of spice3",
+                                    "out_1.tvdat marked", "out_1.tvdat closed"));
+    EXPECT_FALSE(openRaw(RawFile().text() + "no colon\n"));
+    EXPECT_THAT(texts(), ElementsAre(generalFailure));
+}
+
+TEST_F(OpenRawFileTest, BlankLinesBehindTheLastSetAreItsEnd) {
+    EXPECT_TRUE(openRaw(RawFile().text() + "\n \n"));
+    EXPECT_THAT(texts(), IsEmpty());
+    EXPECT_THAT(groupNames(), SizeIs(1));
+}
+
+TEST_F(OpenRawFileTest, StampsOfCallsRise) {
+    VecOpenRawFileOptions options;
+    options.stampGroups = true;
+    ASSERT_TRUE(openRaw(RawFile().text() + RawFile().text(), "x", options));
+    std::uint32_t const stamp = newest()->runId;
+    EXPECT_NE(stamp, 0u);
+    EXPECT_EQ(newest()->next->runId, stamp);
+    ASSERT_TRUE(openRaw(RawFile().text(), "x", options));
+    EXPECT_GT(newest()->runId, stamp);
+}
+
+TEST_F(OpenRawFileTest, BudgetMayBeAnything) {
+    VecOpenRawFileOptions options;
+    for (std::int32_t const percent : {-2147483647 - 1, -1, 0, 1, 100, 101, 2147483647}) {
+        options.ramPercent = percent;
+        EXPECT_TRUE(openRaw(RawFile().text(), "x", options)) << percent;
+    }
+}
+
+TEST_F(OpenRawFileTest, FileThatDoesNotOpenIsNamed) {
+    EXPECT_FALSE(vec_OpenRawFile("/nonexistent/%s", "x", {}, messages_));
+    EXPECT_THAT(texts(), ElementsAre("Cannot open data file '/nonexistent/%s'"));
+    EXPECT_FALSE(vec_OpenRawFile("/nonexistent", "x", {}, nullptr));
+}
+
+TEST_F(OpenRawFileTest, ValuesStayInMemoryWhereNoFileCanBeMade) {
+    canCreate = false;
+    ASSERT_TRUE(openRaw(RawFile().text(), "%s.tvdat"));
+    EXPECT_THAT(texts(), ElementsAre("Cannot create data file '%s.tvdat'. The data are kept in memory"));
+    EXPECT_EQ(messages_->levels[0], MessageLevel::warning);
+    EXPECT_THAT(realsOf(*newest()->find("out")), ElementsAre(1.5, 2.5));
+}
+
+TEST_F(OpenRawFileTest, NothingIsWrittenThroughALinkNorOverAFileThatNobodyNamed) {
+    namespace fs = std::filesystem;
+    fs::path const folder = fs::temp_directory_path() / ("torvelan-output-" + std::to_string(getpid()));
+    fs::create_directory(folder);
+    auto const second = (folder / "x_1").string();
+    std::string const text = RawFile().text() + RawFile().text();
+    auto warned = [&] {
+        EXPECT_TRUE(openRaw(text, (folder / "x").c_str()));
+        return texts().size();
+    };
+    EXPECT_EQ(warned(), 0u);
+    std::ofstream(folder / "x") << "of the user's choice";
+    EXPECT_EQ(warned(), 0u);
+    std::ofstream(second) << "something else";
+    EXPECT_EQ(warned(), 1u);
+    std::ofstream(second) << std::string("\x11\0\0\0", 4) << "Torvelan datafile, and more";
+    EXPECT_EQ(warned(), 0u);
+    fs::rename(second, folder / "other");
+    fs::create_symlink("other", second);
+    EXPECT_EQ(warned(), 1u);
+    fs::remove(folder / "x");
+    fs::create_symlink("nowhere", folder / "x");
+    EXPECT_EQ(warned(), 2u);
+    fs::remove_all(folder);
+}
+
+} // namespace
