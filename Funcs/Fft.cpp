@@ -1,4 +1,4 @@
-// Registers the measures of waveforms.
+// Registers the measures of waveforms and their spectrum.
 
 #include "Funcs/Fft.h"
 
@@ -10,6 +10,7 @@ constexpr argType real = ARG_REAL, text = ARG_STRING;
 constexpr MultiDef each = MULTI_EACH;
 
 constexpr FunctionRow rows[] = {
+    {"fft", handlerOf<fft::spectrum>, 1, 2, {real, text}, {each}, "Spectrum of evenly spaced samples"},
     {"Interp", handlerOf<fft::interp>, 2, 4, {real, real, real, real}, {each}, "Values on an even grid"},
     {"Maxima", handlerOf<fft::maxima>, 1, 4, {real, real, text, real}, {each}, "Peaks and where they stand"},
     {"Minima", handlerOf<fft::minima>, 1, 4, {real, real, text, real}, {each}, "Troughs and where they stand"},

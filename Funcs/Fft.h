@@ -1,4 +1,4 @@
-// The measures of waveforms, apart from their registration.
+// The measures of waveforms and their spectrum, apart from their registration.
 #pragma once
 
 #include "torvelan/Functions.h"
@@ -20,5 +20,7 @@ FUNC_ERROR diffMergeVecs(FuncArgs const & args, FuncResult & result, MessageHand
 FUNC_ERROR mean1(FuncArgs const & args, FuncResult & result, MessageHandler & messages);
 FUNC_ERROR rms1(FuncArgs const & args, FuncResult & result, MessageHandler & messages);
 FUNC_ERROR sumNoise(FuncArgs const & args, FuncResult & result, MessageHandler & messages);
+// EvenSpectrum.cpp
+FUNC_ERROR spectrum(FuncArgs const & args, FuncResult & result, MessageHandler & messages);
 
 } // namespace fft

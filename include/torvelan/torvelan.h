@@ -8,6 +8,7 @@
 #include "torvelan/Evaluate.h"
 #include "torvelan/Exceptions.h"
 #include "torvelan/ForeignData.h"
+#include "torvelan/Fourier.h"
 #include "torvelan/Functions.h"
 #include "torvelan/Groups.h"
 #include "torvelan/Host.h"
