@@ -1,4 +1,6 @@
 // Raw files that hold several data sets.
+#include "Import/Csdf.h"
+#include "Import/CsdfTokeniser.h"
 #include "Import/GroupBeingRead.h"
 #include "Import/OutputFile.h"
 #include "Import/Spice3.h"
@@ -35,6 +37,23 @@ public:
         return true;
     }
 
+    bool readCsdfSections() {
+        constexpr char const * failure = "CSDF data file read failed due to bad format, reason: %s. No data imported";
+        CsdfTokeniserImpl tokeniser(stream_);
+        if (tokeniser.isAtEnd()) {
+            messages_->error(failure, "File is empty");
+            return false;
+        }
+        auto const fileSize = static_cast<std::int64_t>(stream_.getFileSize());
+        std::int64_t const bufferBytes = std::min<std::int64_t>(budget_, fileSize + fileSize / 2);
+        for (int n = 0; !tokeniser.isAtEnd(); ++n) {
+            GroupBeingRead const group = newGroup();
+            CsdfResult const result = readCsdfSection(tokeniser, group.get(), outputOf(n), bufferBytes, *messages_);
+            if (result != CsdfResult::done) return isEndOfSections(n, result);
+        }
+        return true;
+    }
+
 private:
     GroupBeingRead newGroup() const {
         GroupBeingRead group(makeUnlistedGroup(YString()));
@@ -57,6 +76,19 @@ private:
         return false;
     }
 
+    bool isEndOfSections(int n, CsdfResult result) {
+        if (result == CsdfResult::unfinished) messages_->warning("Possible missing data in CSDF file");
+        if (result == CsdfResult::unfinished || result == CsdfResult::nothing) return true;
+        if (n == 0)
+            messages_->error("CSDF data file read failed due to bad format, reason: %s. No data imported",
+                             csdfReason(result));
+        else
+            messages_->error("CSDF data file read failed due to bad format in section %d, reason: %s. Earlier sections "
+                             "successfully imported",
+                             n + 1, csdfReason(result));
+        return false;
+    }
+
     tvfstream & stream_;
     YString const & outputPath_;
     YRef<MessageHandler> const & messages_;
@@ -75,9 +107,9 @@ bool vec_OpenRawFile(YString const & path, YString const & outputPath, VecOpenRa
         return false;
     }
     RawFileReader reader(stream, outputPath, options, messages);
-    if (options.spice2 || options.csdf) {
-        messages->error("Reading several data sets of this format is not supported yet");
+    if (options.spice2) {
+        messages->error("Reading SPICE2 raw files into data files is not supported yet");
         return false;
     }
-    return reader.readSpice3Sets();
+    return options.csdf ? reader.readCsdfSections() : reader.readSpice3Sets();
 }
