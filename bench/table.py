@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """The last run against its peers and limits, as a table.     bench/table.py RESULTS_FOLDER
 
-Reads the JSON of the benchmark programs and, where it is there, numpy.txt. A ratio is this project's time over the time
+Reads the JSON of the benchmark programs and the times of other programs in *.txt. A ratio is this project's time over the time
 of the other: below 1 this project is faster.
 """
 import json
@@ -26,7 +26,12 @@ PAIRS = [
     ("Divisions/v+w/{n}", ["Limit/flat_v+w/{n}"]),
     ("Incremental/db(a/b)/10000000", ["Incremental/db(a/b)/1000"]),
     ("Incremental/a+b/10000000", ["Incremental/a+b/1000"]),
-    ("Spice3/read/{n}", ["Limit/fast_float/{n}"]),
+    ("Text/table/{n}", ["Limit/fast_float_table/{n}", "NumPy/loadtxt/{n}", "Pandas/read_csv/{n}",
+                        "Pandas/read_csv_exact/{n}"]),
+    ("Text/column/{n}", ["Limit/fast_float_column/{n}"]),
+    ("Spice2/real/{n}", ["Limit/read_real/{n}"]),
+    ("Spice2/complex/{n}", ["Limit/read_complex/{n}"]),
+    ("Spice3/read/{n}", ["Limit/fast_float/{n}", "Ngspice/load/{n}"]),
     ("Store/make_vectors/{n}", ["Limit/map_make/{n}"]),
     ("Store/find_vectors/{n}", ["Limit/map_find/{n}"]),
     ("Store/list_vectors/{n}", ["Limit/sort_names/{n}"]),
@@ -52,10 +57,10 @@ def load(folder):
             nanoseconds = run[clock] * UNITS[run["time_unit"]]
             name = re.sub(r"/iterations:\d+|/manual_time", "", run["name"])
             times[name] = min(nanoseconds, times.get(name, nanoseconds))
-    numpy = folder / "numpy.txt"
-    for line in numpy.read_text().splitlines() if numpy.exists() else []:
-        name, nanoseconds = line.split()
-        times[name] = float(nanoseconds)
+    for path in folder.glob("*.txt"):
+        for line in path.read_text().splitlines():
+            name, nanoseconds = line.split()
+            times[name] = float(nanoseconds)
     # A product moves half as much again as a copy of one operand.
     for name in [name for name in times if name.startswith("Limit/copy/")]:
         times[name.replace("copy", "copy_bytes_mul")] = times[name] * 1.5

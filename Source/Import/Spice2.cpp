@@ -55,16 +55,6 @@ Signal nodeOrDevice(YString const & name) {
     return isNode ? Signal{name, PT_VOLTAGE} : Signal{YString::joined(name, {"#p"}), PT_CURRENT};
 }
 
-void decode(char const * bytes, double & value) {
-    std::memcpy(&value, bytes, sizeof value);
-}
-
-void decode(char const * bytes, complex & value) {
-    float parts[2];
-    std::memcpy(parts, bytes, sizeof parts);
-    value = {parts[0], parts[1]};
-}
-
 class Spice2Reader {
 public:
     Spice2Reader(tvfstream & stream, Group * group) : stream_(stream), group_(group) {}
@@ -118,24 +108,35 @@ private:
 
     // False when the file ends before the last value of the points estimated, as it does unless it grows meanwhile.
     template <class Element> bool readPoints() {
-        constexpr std::size_t roomBytes = std::size_t{256} << 10;
-        auto const room = std::make_unique_for_overwrite<char[]>(roomBytes);
-        PointBlock<Element> block(vectors_);
+        constexpr std::size_t blockValues = std::size_t{32} << 10; // read straight into the block
+        PointBlock<Element> block(vectors_, blockValues);
         std::uint64_t left = static_cast<std::uint64_t>(points_) * vectors_.size();
         bool whole = true;
         while (left != 0 && whole) {
-            std::size_t const wanted = std::min<std::uint64_t>(left, roomBytes / valueBytes);
-            std::size_t const values = stream_.read(room.get(), wanted * valueBytes) / valueBytes;
-            for (std::size_t i = 0; i < values; ++i) {
-                Element value;
-                decode(room.get() + i * valueBytes, value);
-                block.add(value);
-            }
+            std::size_t const wanted = std::min<std::uint64_t>(left, block.roomValues());
+            std::size_t const values = readInto(block.room(), wanted);
+            block.addValues(values);
             whole = values == wanted;
             left -= values;
         }
         block.flush();
         return left == 0;
+    }
+
+    std::size_t readInto(double * values, std::size_t n) {
+        return stream_.read(reinterpret_cast<char *>(values), n * valueBytes) / valueBytes;
+    }
+
+    // Pairs of floats come into the rear half of the room, and are widened from its front.
+    std::size_t readInto(complex * values, std::size_t n) {
+        char * const pairs = reinterpret_cast<char *>(values) + n * valueBytes;
+        std::size_t const read = stream_.read(pairs, n * valueBytes) / valueBytes;
+        for (std::size_t i = 0; i < read; ++i) {
+            float parts[2];
+            std::memcpy(parts, pairs + i * valueBytes, sizeof parts);
+            values[i] = {parts[0], parts[1]};
+        }
+        return read;
     }
 
     tvfstream & stream_;

@@ -52,11 +52,23 @@ private:
     // readRow would, only sooner.
     void readPlainRows() {
         if (!plain_) return;
+        std::size_t rows = 0, bytes = 0;
         while (std::size_t const taken = parsePlainRow(stream_.buffered(), block_.room(), block_.columns())) {
             stream_.skipBuffered(taken);
             block_.addPoint();
+            ++rows;
+            bytes += taken;
         }
+        if (rows >= rowsToJudgeBy && !foreseen_) expectRows(rows, bytes);
         block_.flush();
+    }
+
+    // The rest of the file may go on like this.
+    void expectRows(std::size_t rows, std::size_t bytes) {
+        std::int64_t const rest = static_cast<std::int64_t>(stream_.getFileSize()) - stream_.tellg();
+        double const more = static_cast<double>(rest) / static_cast<double>(bytes) * static_cast<double>(rows);
+        for (dvec * vector : vectors_) vector->expectVals(static_cast<std::int64_t>(more) + rowsToJudgeBy);
+        foreseen_ = true;
     }
 
     RowEnd readRow() {
@@ -120,10 +132,13 @@ private:
         return true;
     }
 
+    static constexpr std::size_t rowsToJudgeBy = 1000;
+
     tvfstream & stream_;
     YArray<dvec *> const & vectors_;
     PointBlock<double> block_;
     bool plain_;
+    bool foreseen_ = false; // memory has been taken for the rest of the file
     YString line_;
     std::string_view rest_; // of the line
 };
@@ -145,7 +160,7 @@ void readAllNumbers(tvfstream & stream, dvec & vector) {
         PlainNumbers run;
         while ((run = parsePlainNumbers(stream.buffered(), values.data(), most)).count != 0) {
             stream.skipBuffered(run.taken);
-            for (std::size_t i = 0; i < run.count; ++i) vector.addVal(values[i]);
+            vector.addVals(values.data(), run.count);
         }
     } while (stream.getline(&line));
 }

@@ -93,6 +93,9 @@ struct VectorRep {
     void reserve(std::int64_t n, VD_type newType);
     void clearStrings(std::int64_t from) noexcept; // frees the strings from there on and leaves null; the block is own
     template <class T> void append(T const & value, double measure);
+    // Appends n values of the vector's kind, which do not lie in its block.
+    void append(double const * values, std::size_t n);
+    void append(complex const * values, std::size_t n);
     void appendElements(VectorRep const & from); // of the same kind, or this is empty and takes the kind; may be this
     // Frees what there is and takes a block that nobody else holds.
     void replaceContents(BlockRef newBlock, VD_type newType, DivisionTable newDivisions) noexcept;

@@ -13,6 +13,7 @@
 #include "torvelan/ResultCodes.h"
 #include "torvelan/YString.h"
 
+#include <cstddef>
 #include <cstdint>
 
 // Kind of the elements of a vector.
@@ -54,7 +55,12 @@ public:
     // otherwise nothing is stored and the answer is VEC_OK.
     virtual VEC_ERROR addVal(complex const & value);
     virtual VEC_ERROR addVal(double value);
+    // Appends n values, as addVal of each would; they do not lie in this vector.
+    VEC_ERROR addVals(double const * values, std::size_t n);
+    VEC_ERROR addVals(complex const * values, std::size_t n);
 
+    // Takes memory for n numbers more, which will be appended; the length stays.
+    void expectVals(std::int64_t n);
     // Makes a numeric vector complex for everybody who shares its data. Allowed only while there are none: false
     // otherwise, unless it is complex already.
     bool becomeComplex();

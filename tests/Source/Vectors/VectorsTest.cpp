@@ -3,6 +3,7 @@
 
 #include "VectorTestSupport.h"
 
+#include <bit>
 #include <gtest/gtest.h>
 #include <limits>
 
@@ -15,6 +16,38 @@ NameArray names(std::initializer_list<char const *> texts) {
     NameArray array;
     for (char const * text : texts) array.emplace_back(text);
     return array;
+}
+
+// Values of all sizes and signs, some of them no numbers.
+std::vector<double> manyValues(std::size_t n, bool firstIsNumber) {
+    std::vector<double> values;
+    unsigned state = 7;
+    for (std::size_t i = 0; i < n; ++i) {
+        state = state * 1664525u + 1013904223u;
+        values.push_back((static_cast<double>(state) - 2e9) * (state % 3 == 0 ? 1e-9 : 1e3));
+        if (i % 11 == 5) values.back() = std::numeric_limits<double>::quiet_NaN();
+    }
+    if (n != 0) values[0] = firstIsNumber ? 1 : std::numeric_limits<double>::quiet_NaN();
+    return values;
+}
+
+void expectSame(BaseVector const & one, BaseVector const & other) {
+    ASSERT_EQ(one.totalLength(), other.totalLength());
+    ASSERT_EQ(one.numDivisions(), other.numDivisions());
+    for (std::int64_t d = 0; d < one.numDivisions(); ++d) {
+        ASSERT_EQ(one.length(d), other.length(d));
+        for (std::int64_t i = 0; i < one.length(d); ++i) {
+            ASSERT_EQ(std::bit_cast<std::uint64_t>(one.getReal(i, d)),
+                      std::bit_cast<std::uint64_t>(other.getReal(i, d)));
+            ASSERT_EQ(std::bit_cast<std::uint64_t>(one.getImag(i, d)),
+                      std::bit_cast<std::uint64_t>(other.getImag(i, d)));
+        }
+    }
+    for (bool const magnitude : {false, true}) { // as found while appending
+        BaseVector::Range const a = one.getRange(magnitude), b = other.getRange(magnitude);
+        EXPECT_TRUE(a.min == b.min || (a.min != a.min && b.min != b.min)) << a.min << ' ' << b.min;
+        EXPECT_TRUE(a.max == b.max || (a.max != a.max && b.max != b.max)) << a.max << ' ' << b.max;
+    }
 }
 
 } // namespace
@@ -378,6 +411,84 @@ TEST(VectorModel, ManyShortDivisionsAreLinearInWork) {
     }
     std::size_t const bytes = divisions * points * 8 + divisions * 8;
     EXPECT_LT(BlockMemory::peakBytes() - before, 3 * bytes); // growth by half, old beside new
+}
+
+TEST(VectorModel, ManyValuesAreAppendedAsOneByOne) {
+    for (bool const firstIsNumber : {true, false})
+        for (std::size_t n : {0, 1, 2, 15, 16, 17, 33, 512, 513, 1000}) {
+            std::vector<double> const values = manyValues(n, firstIsNumber);
+            BaseVector one, many;
+            for (double const value : values) one.addVal(value);
+            EXPECT_EQ(many.addVals(values.data(), n), VEC_OK);
+            expectSame(one, many);
+            for (double const value : values) one.addVal(-value);
+            for (double const value : values) many.addVals(std::vector<double>{-value}.data(), 1);
+            expectSame(one, many);
+        }
+}
+
+TEST(VectorModel, ManyComplexValuesAreAppendedAsOneByOne) {
+    for (std::size_t n : {0, 1, 16, 17, 511, 512, 1500}) {
+        std::vector<double> const parts = manyValues(2 * n, true);
+        std::vector<complex> values;
+        for (std::size_t i = 0; i < n; ++i) values.push_back({parts[2 * i], parts[2 * i + 1]});
+        BaseVector one, many;
+        for (BaseVector * v : {&one, &many}) v->becomeComplex();
+        for (complex const & value : values) one.addVal(value);
+        EXPECT_EQ(many.addVals(values.data(), n), VEC_OK);
+        expectSame(one, many);
+        for (double const part : parts) one.addVal(part);
+        many.addVals(parts.data(), parts.size());
+        expectSame(one, many);
+    }
+}
+
+TEST(VectorModel, ManyValuesOfAnotherKindAreNotStored) {
+    complex const pair{1, 2};
+    double const number = 1;
+    BaseVector real = realVector({5}), text;
+    text.setSize(0, VD_STRING);
+    EXPECT_EQ(real.addVals(&pair, 1), VEC_OK);
+    EXPECT_EQ(text.addVals(&number, 1), VEC_OK);
+    EXPECT_EQ(real.totalLength() + text.totalLength(), 1);
+    EXPECT_EQ(IfVector().addVals(&number, 1), VEC_NO_DATA_RECORD);
+}
+
+TEST(VectorModel, ManyValuesGoToTheLastDivisionAndItsRange) {
+    std::vector<double> const values = manyValues(100, true);
+    BaseVector one = realVector({1, 2}), many = realVector({1, 2});
+    auto lastRange = [](BaseVector const & v) {
+        BaseVector view = v;
+        view.selectDivision(1);
+        return view.getRange(false);
+    };
+    for (BaseVector * v : {&one, &many}) {
+        v->addDivision("");
+        v->addVal(7.0);
+        EXPECT_EQ(lastRange(*v).max, 7); // known from now on
+    }
+    for (double const value : values) one.addVal(value);
+    many.addVals(values.data(), values.size());
+    expectSame(one, many);
+    EXPECT_EQ(lastRange(many).max, lastRange(one).max);
+    EXPECT_EQ(lastRange(many).min, lastRange(one).min);
+    EXPECT_GT(lastRange(many).max, 7);
+}
+
+TEST(VectorModel, ExpectedValuesNeedNoOtherMemory) {
+    BaseVector v = realVector({1});
+    v.expectVals(1000);
+    v.addVal(2.0);
+    double const * const place = v.allRealData();
+    for (int i = 0; i < 999; ++i) v.addVal(3.0);
+    EXPECT_EQ(v.allRealData(), place);
+    EXPECT_EQ(v.totalLength(), 1001);
+    v.expectVals(-5);
+    EXPECT_EQ(v.totalLength(), 1001);
+    EXPECT_THROW(v.expectVals(std::numeric_limits<std::int64_t>::max()), MemoryException);
+    BaseVector const shared = v;
+    v.expectVals(5000);
+    EXPECT_TRUE(v.sharesRep(shared));
 }
 
 TEST(VectorModel, AnEmptyVectorBecomesComplexForAllWhoShareIt) {
