@@ -20,7 +20,7 @@ bool readTextFile(tvfstream & stream, Group * group, VecOpenGroupOptions options
 }
 
 bool readSpice2File(tvfstream & stream, Group * group, VecOpenGroupOptions, MessageHandler & messages) {
-    return readSpice2(stream, group, messages);
+    return readSpice2(stream, group, OutputFile(), messages);
 }
 
 bool readSpice3File(tvfstream & stream, Group * group, VecOpenGroupOptions, MessageHandler & messages) {

@@ -3,6 +3,7 @@
 #include "Import/CsdfTokeniser.h"
 #include "Import/GroupBeingRead.h"
 #include "Import/OutputFile.h"
+#include "Import/Spice2.h"
 #include "Import/Spice3.h"
 #include "support/Paths.h"
 #include "support/Streams.h"
@@ -27,6 +28,16 @@ public:
                   YRef<MessageHandler> const & messages)
         : stream_(stream), outputPath_(outputPath), messages_(messages), budget_(budgetOf(options.ramPercent)),
           stamp_(options.stampGroups ? newRunId() : 0) {}
+
+    // A file that is none is told of, but does not count as a failure, and its group is there.
+    bool readSpice2File() {
+        GroupBeingRead const group = newGroup();
+        if (!readSpice2(stream_, group.get(), outputOf(0), *messages_)) {
+            messages_->error("Spice2 raw data file read failed because of incorrect format");
+            listRestoredGroup(group.get(), group->name, false, *messages_);
+        }
+        return true;
+    }
 
     bool readSpice3Sets() {
         for (int n = 0; stream_.peek() >= 0; ++n) {
@@ -107,9 +118,6 @@ bool vec_OpenRawFile(YString const & path, YString const & outputPath, VecOpenRa
         return false;
     }
     RawFileReader reader(stream, outputPath, options, messages);
-    if (options.spice2) {
-        messages->error("Reading SPICE2 raw files into data files is not supported yet");
-        return false;
-    }
+    if (options.spice2) return reader.readSpice2File();
     return options.csdf ? reader.readCsdfSections() : reader.readSpice3Sets();
 }

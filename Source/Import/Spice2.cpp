@@ -1,6 +1,7 @@
 #include "Import/Spice2.h"
 
 #include "Groups/GroupStore.h"
+#include "Import/OutputFile.h"
 #include "Import/PointBlock.h"
 #include "Import/UniqueNames.h"
 #include "support/Streams.h"
@@ -57,7 +58,8 @@ Signal nodeOrDevice(YString const & name) {
 
 class Spice2Reader {
 public:
-    Spice2Reader(tvfstream & stream, Group * group) : stream_(stream), group_(group) {}
+    Spice2Reader(tvfstream & stream, Group * group, bool takeAhead)
+        : stream_(stream), group_(group), takeAhead_(takeAhead) {}
 
     // False unless the header is sound, and all names are there.
     bool readHeader() {
@@ -101,7 +103,7 @@ private:
     void makeVector(YString const & name, PhysType type) {
         auto * vector = new dvec(name, group_, type);
         vectors_.push_back(vector);
-        vector->allocate(points_, kind_);
+        vector->allocate(takeAhead_ ? points_ : 0, kind_);
         vector->ref = *vectors_.front();
         vector->enterGroup();
     }
@@ -141,6 +143,7 @@ private:
 
     tvfstream & stream_;
     Group * group_;
+    bool takeAhead_; // memory for the points estimated
     FixedPart fixed_{};
     VD_type kind_ = VD_REAL;
     std::int64_t points_ = 0; // estimated by the size of the file: more than there are, since the header counts too
@@ -149,9 +152,10 @@ private:
 
 } // namespace
 
-bool readSpice2(tvfstream & stream, Group * group, MessageHandler & messages) {
-    Spice2Reader reader(stream, group);
+bool readSpice2(tvfstream & stream, Group * group, OutputFile const & output, MessageHandler & messages) {
+    Spice2Reader reader(stream, group, !output.isWanted());
     if (!reader.readHeader()) return false;
+    output.attachTo(*group);
     reader.readValues();
     listRestoredGroup(group, group->name, false, messages);
     return true;

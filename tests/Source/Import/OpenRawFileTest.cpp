@@ -2,6 +2,7 @@
 
 #include "OpenRawFixture.h"
 #include "RawFileFixture.h"
+#include "Spice2File.h"
 
 #include <filesystem>
 
@@ -130,6 +131,33 @@ TEST_F(OpenRawFileTest, NothingIsWrittenThroughALinkNorOverAFileThatNobodyNamed)
     fs::create_symlink("nowhere", folder / "x");
     EXPECT_EQ(warned(), 2u);
     fs::remove_all(folder);
+}
+
+TEST_F(OpenRawFileTest, Spice2FileGoesToOneDataFile) {
+    VecOpenRawFileOptions options;
+    options.spice2 = true;
+    options.stampGroups = true;
+    Spice2File file;
+    file.values = Spice2File::reals({0, 1, 2, 3, 4, 5});
+    ASSERT_TRUE(openRaw(file.text(), "x.tvdat", options));
+    EXPECT_THAT(texts(), IsEmpty());
+    EXPECT_THAT(events, ElementsAre("x.tvdat for 3 vectors of spice2"));
+    EXPECT_THAT(realsOf(*newest()->find("12")), ElementsAre(1, 4));
+    EXPECT_NE(newest()->runId, 0u);
+}
+
+TEST_F(OpenRawFileTest, BadSpice2FileIsToldOfAndItsGroupStays) {
+    VecOpenRawFileOptions options;
+    options.spice2 = true;
+    Spice2File file;
+    file.format = 3;
+    for (std::string const & text : {file.text(), std::string("short"), std::string()}) {
+        EXPECT_TRUE(openRaw(text, "x.tvdat", options));
+        EXPECT_THAT(texts(), ElementsAre("Spice2 raw data file read failed because of incorrect format"));
+        EXPECT_TRUE(newest()->name.beginsWith("spice2_"));
+        EXPECT_TRUE(newest()->vectors.empty());
+        EXPECT_THAT(events, IsEmpty());
+    }
 }
 
 } // namespace
