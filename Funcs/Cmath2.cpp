@@ -4,6 +4,7 @@
 #include "Funcs/Waveform.h"
 
 #include "support/Interpolate.h"
+#include "support/Multiversion.h"
 #include "torvelan/Host.h"
 
 #include <algorithm>
@@ -47,26 +48,75 @@ void subtractNeighbours(double * out, Waveform const & v) {
     out[0] = out[1];
 }
 
-// The sample that ends the step from `a`: the first one farther away than the threshold, or the last.
-std::int64_t stepEnd(Waveform const & v, std::int64_t a, double threshold) {
-    std::int64_t b = a + 1;
-    while (b + 1 < v.length && !(std::fabs(v.x[b] - v.x[a]) > threshold)) ++b;
-    return b;
+// Slopes between `count` + 1 neighbours. False, and the slopes of no use, where a step is not above the threshold.
+TORVELAN_MULTIVERSION bool neighbourSlopes(double * out, double const * y, double const * x, std::int64_t count,
+                                           double threshold) {
+    std::int64_t refused = 0;
+    for (std::int64_t i = 0; i < count; ++i) {
+        double const step = x[i + 1] - x[i];
+        refused += std::fabs(step) > threshold ? 0 : 1;
+        out[i] = (y[i + 1] - y[i]) / step;
+    }
+    return refused == 0;
 }
 
 // Slopes at the right ends of steps longer than the threshold; samples inside a step lie on the line between slopes.
-void slopes(double * out, Waveform const & v, double threshold) {
-    double before = v.y[0], slopeBefore = 0;
-    for (std::int64_t a = 0, b; a + 1 < v.length; a = b) {
-        b = stepEnd(v, a, threshold);
-        double const here = v.y[b], slope = (here - before) / (v.x[b] - v.x[a]);
-        if (a == 0) out[0] = slopeBefore = slope;
-        double const bend = (slope - slopeBefore) / (v.x[b] - v.x[a]);
-        for (std::int64_t j = a + 1; j < b; ++j) out[j] = bend * (v.x[j] - v.x[a]) + slopeBefore;
-        out[b] = slopeBefore = slope;
-        before = here;
+// The anchor is the sample that the last step ended on.
+class Differentiation {
+public:
+    Differentiation(double * out, Waveform const & v, double threshold) noexcept
+        : out_(out), v_(v), threshold_(threshold), anchorY_(v.y[0]) {}
+
+    // Where steps are short a block of samples is walked one by one.
+    void run() {
+        while (anchor_ + 1 < v_.length) {
+            std::int64_t const end = std::min(anchor_ + blockLength, v_.length - 1);
+            if (takeBlock(end - anchor_)) continue;
+            while (anchor_ < end) takeStep();
+        }
     }
-}
+
+private:
+    static constexpr std::int64_t blockLength = 256;
+
+    bool takeBlock(std::int64_t count) {
+        double y[blockLength + 1], slopes[blockLength];
+        std::copy_n(v_.y + anchor_, count + 1, y);
+        y[0] = anchorY_;
+        if (!neighbourSlopes(slopes, y, v_.x + anchor_, count, threshold_)) return false;
+        std::copy_n(slopes, count, out_ + anchor_ + 1);
+        moveTo(anchor_ + count, y[count], slopes[0]);
+        return true;
+    }
+    void takeStep() {
+        std::int64_t const a = anchor_, b = stepEnd();
+        double const y = v_.y[b], width = v_.x[b] - v_.x[a], slope = (y - anchorY_) / width;
+        double const before = a == 0 ? slope : out_[a];
+        out_[b] = slope;
+        if (b > a + 1) {
+            double const bend = (slope - before) / width;
+            for (std::int64_t j = a + 1; j < b; ++j) out_[j] = bend * (v_.x[j] - v_.x[a]) + before;
+        }
+        moveTo(b, y, slope);
+    }
+    // The first sample farther away than the threshold, or the last one.
+    std::int64_t stepEnd() const noexcept {
+        std::int64_t b = anchor_ + 1;
+        while (b + 1 < v_.length && !(std::fabs(v_.x[b] - v_.x[anchor_]) > threshold_)) ++b;
+        return b;
+    }
+    void moveTo(std::int64_t sample, double y, double firstSlope) noexcept {
+        if (anchor_ == 0) out_[0] = firstSlope;
+        anchor_ = sample;
+        anchorY_ = y;
+    }
+
+    double * out_; // may be the memory of v.y, so that behind the anchor there are only slopes
+    Waveform const & v_;
+    double threshold_;
+    std::int64_t anchor_ = 0;
+    double anchorY_;
+};
 
 // --- handlers
 
@@ -100,7 +150,7 @@ FUNC_ERROR diff(FuncArgs const & args, FuncResult & result, MessageHandler & mes
     if (v.length < 2) return refuseRange("diff", messages);
     PhysType const type = args.physType(0);
     if (v.hasReference())
-        slopes(resultLike(args, result, v.length, div(type, args.refPhysType(0))), v, acceptedStep(v));
+        Differentiation(resultLike(args, result, v.length, div(type, args.refPhysType(0))), v, acceptedStep(v)).run();
     else
         subtractNeighbours(resultLike(args, result, v.length, type), v);
     return FUNC_OK;
@@ -115,11 +165,9 @@ struct Limit {
 
 // False when x lies outside the waveform.
 bool findLimit(Waveform const & v, double x, Limit * limit) {
-    YList<double> ys;
-    YList<std::int64_t> indices;
-    support_FindYFromX(&ys, &indices, v.y, v.x, v.length, x, InterpOpts());
-    if (ys.empty()) return false;
-    *limit = {x, ys.front(), indices.front()};
+    auto const places = findYFromX(v.y, v.x, v.length, x, InterpOpts());
+    if (places.empty()) return false;
+    *limit = {x, places.front().y, places.front().index};
     return true;
 }
 

@@ -24,17 +24,10 @@ int signOf(double value) noexcept {
     return value > 0 ? 1 : value < 0 ? -1 : 0;
 }
 
-using Places = std::vector<double>; // oldest first
-
-Places search(double const * y, double const * x, std::int64_t length, double target, InterpOpts const & options) {
-    YList<double> values;
-    YList<std::int64_t> indices;
-    support_FindYFromX(&values, &indices, y, x, length, target, options);
-    return Places(values.rbegin(), values.rend());
-}
+using Places = std::vector<CrossingPlace>;
 
 Places crossings(Waveform const & v, double level, InterpOpts const & options) {
-    return search(v.x, v.y, v.length, level, options);
+    return findYFromX(v.x, v.y, v.length, level, options);
 }
 
 void give(FuncResult & result, Places const & places) {
@@ -42,7 +35,7 @@ void give(FuncResult & result, Places const & places) {
     auto const n = static_cast<std::int64_t>(places.size());
     result.setType(VD_REAL, VD_UNSET);
     result.allocate(n, ALLOC_HINT, n);
-    std::copy(places.begin(), places.end(), result.data());
+    std::transform(places.begin(), places.end(), result.data(), [](CrossingPlace const & place) { return place.y; });
 }
 
 // Which of the three crossings of a period its value stands at: 0 the last, 1 the one between, 2 the first.
@@ -58,8 +51,8 @@ void givePeriods(FuncResult & result, Places const & places, std::size_t positio
     result.allocateRef(n, ALLOC_HINT, n);
     double *const periods = result.data(), *const x = result.refData();
     for (std::size_t k = 2; k < places.size(); ++k) {
-        periods[k - 2] = places[k] - places[k - 2];
-        x[k - 2] = places[k - position];
+        periods[k - 2] = places[k].y - places[k - 2].y;
+        x[k - 2] = places[k - position].y;
     }
 }
 
@@ -81,7 +74,7 @@ FUNC_ERROR yFromX(FuncArgs const & args, FuncResult & result, MessageHandler & m
     Waveform const v(args, 0);
     if (!v.hasReference()) return refuseMissingReference(args, 0, messages);
     result.setPhysType(args.physType(0), args.refPhysType(0));
-    give(result, search(v.y, v.x, v.length, numberOr(args, 1, 0), optionsFrom(args, 2, 0)));
+    give(result, findYFromX(v.y, v.x, v.length, numberOr(args, 1, 0), optionsFrom(args, 2, 0)));
     return FUNC_OK;
 }
 

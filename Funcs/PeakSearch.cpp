@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <vector>
 
@@ -33,20 +34,18 @@ struct Downward {
     static bool beats(double a, double b) noexcept { return a < b; }
 };
 
-// How many samples beat their left neighbour and are not beaten by the right one. Reads one on either side.
-template <class Sense> std::int64_t countTops(double const * y, std::int64_t count) {
-    std::int64_t found = 0;
+// Marks the samples that beat their left neighbour and are not beaten by the right one. Reads one on either side.
+template <class Sense> void markTopsOf(unsigned char * isTop, double const * y, std::int64_t count) {
     for (std::int64_t i = 0; i < count; ++i)
-        found += both(Sense::beats(y[i], y[i - 1]), !Sense::beats(y[i + 1], y[i])) ? 1 : 0;
-    return found;
+        isTop[i] = both(Sense::beats(y[i], y[i - 1]), !Sense::beats(y[i + 1], y[i])) ? 1 : 0;
 }
 
-TORVELAN_MULTIVERSION std::int64_t countUpward(double const * y, std::int64_t count) {
-    return countTops<Upward>(y, count);
+TORVELAN_MULTIVERSION void markTops(Upward, unsigned char * isTop, double const * y, std::int64_t count) {
+    markTopsOf<Upward>(isTop, y, count);
 }
 
-TORVELAN_MULTIVERSION std::int64_t countDownward(double const * y, std::int64_t count) {
-    return countTops<Downward>(y, count);
+TORVELAN_MULTIVERSION void markTops(Downward, unsigned char * isTop, double const * y, std::int64_t count) {
+    markTopsOf<Downward>(isTop, y, count);
 }
 
 struct Options {
@@ -80,14 +79,10 @@ template <class Sense> class PeakSearch {
 public:
     PeakSearch(Waveform const & waveform, Options const & options) : v(waveform), opts(options) {}
 
-    std::vector<UMinMaxPoint> run(std::int64_t (*countTopsOf)(double const *, std::int64_t)) {
+    std::vector<UMinMaxPoint> run() {
         look(0);
-        for (std::int64_t i = 1; i + 1 < v.length; i += pieceLength) {
-            std::int64_t const end = std::min(i + pieceLength, v.length - 1);
-            if (countTopsOf(v.y + i, end - i) == 0) continue;
-            for (std::int64_t k = i; k < end; ++k)
-                if (Sense::beats(v.y[k], v.y[k - 1]) && !Sense::beats(v.y[k + 1], v.y[k])) look(k);
-        }
+        for (std::int64_t i = 1; i + 1 < v.length; i += pieceLength)
+            lookInside(i, std::min(pieceLength, v.length - 1 - i));
         if (Sense::beats(v.y[v.length - 1], v.y[v.length - 2])) look(v.length - 1);
         return std::move(peaks);
     }
@@ -114,6 +109,21 @@ private:
         return {falls == atStart ? greatest : -greatest, Sense::worst, true};
     }
 
+    // The x of all tops are fetched before the first is looked at: they lie far from each other.
+    void lookInside(std::int64_t first, std::int64_t count) {
+        unsigned char isTop[pieceLength];
+        std::int64_t tops[pieceLength], found = 0;
+        markTops(Sense(), isTop, v.y + first, count);
+        auto const next = [&](std::int64_t i) {
+            void const * const at = std::memchr(isTop + i, 1, static_cast<std::size_t>(count - i));
+            return at != nullptr ? static_cast<unsigned char const *>(at) - isTop : count;
+        };
+        for (std::int64_t i = next(0); i < count; i = next(i + 1)) {
+            __builtin_prefetch(v.x + first + i);
+            tops[found++] = first + i;
+        }
+        for (std::int64_t k = 0; k < found; ++k) look(tops[k]);
+    }
     // At the first sample of a plateau, or at a single sample.
     void look(std::int64_t first) {
         std::int64_t const last = endOfPlateau(first), behind = last + 1;
@@ -167,14 +177,12 @@ void give(FuncArgs const & args, FuncResult & result, std::vector<UMinMaxPoint> 
     }
 }
 
-template <class Sense>
-FUNC_ERROR findPeaks(std::int64_t (*countTopsOf)(double const *, std::int64_t), FuncArgs const & args,
-                     FuncResult & result, MessageHandler & messages) {
+template <class Sense> FUNC_ERROR findPeaks(FuncArgs const & args, FuncResult & result, MessageHandler & messages) {
     Waveform const v(args, 0);
     if (!v.hasReference()) return refuseMissingReference(args, 0, messages);
     if (v.length < 2) return FUNC_OK;
     Options const options = optionsOf(args);
-    std::vector<UMinMaxPoint> peaks = PeakSearch<Sense>(v, options).run(countTopsOf);
+    std::vector<UMinMaxPoint> peaks = PeakSearch<Sense>(v, options).run();
     if (peaks.empty()) return FUNC_OK;
     if (!options.sortByX) std::stable_sort(peaks.begin(), peaks.end(), standsBefore<Sense>);
     give(args, result, peaks);
@@ -186,11 +194,11 @@ FUNC_ERROR findPeaks(std::int64_t (*countTopsOf)(double const *, std::int64_t), 
 namespace fft {
 
 FUNC_ERROR maxima(FuncArgs const & args, FuncResult & result, MessageHandler & messages) {
-    return findPeaks<Upward>(countUpward, args, result, messages);
+    return findPeaks<Upward>(args, result, messages);
 }
 
 FUNC_ERROR minima(FuncArgs const & args, FuncResult & result, MessageHandler & messages) {
-    return findPeaks<Downward>(countDownward, args, result, messages);
+    return findPeaks<Downward>(args, result, messages);
 }
 
 } // namespace fft

@@ -61,16 +61,27 @@ bool makeGrid(FuncArgs const & args, Waveform const & v, double const * x, Grid 
     return true;
 }
 
-void resample(double * out, Grid const & grid, double const * y, double const * x, std::int64_t length, int order) {
-    InterpOpts options;
-    options.order = order;
+// Through the order + 1 samples up to the one at or behind each place.
+template <class Interpolate>
+void resample(double * out, Grid const & grid, double const * y, double const * x, std::int64_t length, int order,
+              Interpolate interpolate) {
     std::int64_t cursor = 0;
     for (std::int64_t i = 0; i < grid.count; ++i) {
         double const at = grid.at(i);
         while (cursor + 1 < length && x[cursor] < at) ++cursor;
         std::int64_t const first = std::max<std::int64_t>(cursor - order, 0);
-        out[i] = support_Interp(y + first, x + first, at, options);
+        out[i] = interpolate(y + first, x + first, at);
     }
+}
+
+void resample(double * out, Grid const & grid, double const * y, double const * x, std::int64_t length, int order) {
+    if (order == 1) return resample(out, grid, y, x, length, 1, interpolateBy<1>);
+    if (order == 2) return resample(out, grid, y, x, length, 2, interpolateBy<2>);
+    InterpOpts options;
+    options.order = order;
+    resample(out, grid, y, x, length, order, [&options](double const * ys, double const * xs, double at) {
+        return support_Interp(ys, xs, at, options);
+    });
 }
 
 } // namespace

@@ -3,9 +3,12 @@
 #include "Funcs/Funcs1.h"
 #include "Funcs/Waveform.h"
 
+#include "support/Multiversion.h"
+
 #include <algorithm>
 #include <limits>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -22,55 +25,95 @@ struct Band {
     }
 };
 
-class Count {
-public:
-    void sample(Waveform const &, std::int64_t) noexcept { ++points; }
-    void cut(Waveform const &, std::int64_t, double) noexcept { ++points; }
-
-    std::int64_t points = 0;
+// A run of samples, or (count 0) the point where the line to sample `first` meets a limit.
+struct Part {
+    std::int64_t first, count;
+    double limit;
 };
 
-class Write {
+class Parts {
 public:
-    Write(double * toY, double * toX) noexcept : y_(toY), x_(toX) {}
-
-    void sample(Waveform const & v, std::int64_t i) noexcept { put(v.x[i], v.y[i]); }
-    // On the line from sample i - 1 to sample i.
-    void cut(Waveform const & v, std::int64_t i, double limit) noexcept {
-        double const x0 = v.x[i - 1], x1 = v.x[i];
-        put(limit, ((limit - x0) * v.y[i] - (limit - x1) * v.y[i - 1]) / (x1 - x0));
+    void samples(std::int64_t first, std::int64_t count) {
+        points += count;
+        if (!parts_.empty() && parts_.back().count > 0 && parts_.back().first + parts_.back().count == first)
+            parts_.back().count += count;
+        else
+            parts_.push_back({first, count, 0});
     }
+    void cut(std::int64_t i, double limit) {
+        ++points;
+        parts_.push_back({i, 0, limit});
+    }
+    void write(Waveform const & v, double * y, double * x) const {
+        for (Part const & part : parts_) {
+            std::int64_t const i = part.first;
+            if (part.count > 0) {
+                y = std::copy_n(v.y + i, part.count, y);
+                x = std::copy_n(v.x + i, part.count, x);
+            } else {
+                *y++ = valueAt(v, i, part.limit);
+                *x++ = part.limit;
+            }
+        }
+    }
+
+    std::int64_t points = 0;
 
 private:
-    void put(double x, double y) noexcept {
-        *x_++ = x;
-        *y_++ = y;
+    // On the line from sample i - 1 to sample i.
+    static double valueAt(Waveform const & v, std::int64_t i, double limit) noexcept {
+        double const x0 = v.x[i - 1], x1 = v.x[i];
+        return ((limit - x0) * v.y[i] - (limit - x1) * v.y[i - 1]) / (x1 - x0);
     }
 
-    double * y_;
-    double * x_;
+    std::vector<Part> parts_;
 };
 
 // Where the way from the last sample enters the band, and where it leaves.
-template <class Sink>
-void step(Waveform const & v, std::int64_t i, Band const & band, Zone before, Zone now, Sink & to) {
-    if (before == below && now >= inside) to.cut(v, i, band.low);
-    if (before == above && now <= inside) to.cut(v, i, band.high);
-    if (now == below && before >= inside) to.cut(v, i, band.low);
-    if (now == above && before != none && before <= inside) to.cut(v, i, band.high);
-    if (now != below && now != above) to.sample(v, i);
+void step(std::int64_t i, Band const & band, Zone before, Zone now, Parts & to) {
+    if (before == below && now >= inside) to.cut(i, band.low);
+    if (before == above && now <= inside) to.cut(i, band.high);
+    if (now == below && before >= inside) to.cut(i, band.low);
+    if (now == above && before != none && before <= inside) to.cut(i, band.high);
+    if (now != below && now != above) to.samples(i, 1);
 }
 
-template <class Sink> void walk(Waveform const & v, Band const & band, Sink & to) {
-    Zone before = none;
-    for (std::int64_t i = 0; i < v.length; ++i) {
-        Zone const now = band.zoneOf(v.x[i]);
-        if (now == inside && before == inside)
-            to.sample(v, i);
-        else if (now != before || (now != below && now != above))
-            step(v, i, band, before, now, to);
-        before = now;
+constexpr std::int64_t pieceLength = 512;
+
+TORVELAN_MULTIVERSION std::int64_t countInside(double const * x, std::int64_t count, double low, double high) {
+    std::int64_t found = 0;
+    for (std::int64_t i = 0; i < count; ++i) found += both(low < x[i], x[i] < high) ? 1 : 0;
+    return found;
+}
+
+// Whether all places lie in a zone that takes up more than a limit.
+bool areAllIn(Zone zone, Band const & band, double const * x, std::int64_t count) {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    switch (zone) {
+    case below: return countInside(x, count, -infinity, band.low) == count;
+    case inside: return countInside(x, count, band.low, band.high) == count;
+    case above: return countInside(x, count, band.high, infinity) == count;
+    default: return false;
     }
+}
+
+// Most pieces stay where the sample in front of them is.
+Parts partsInside(Waveform const & v, Band const & band) {
+    Parts parts;
+    Zone before = none;
+    for (std::int64_t first = 0; first < v.length; first += pieceLength) {
+        std::int64_t const end = std::min(first + pieceLength, v.length);
+        if (areAllIn(before, band, v.x + first, end - first)) {
+            if (before == inside) parts.samples(first, end - first);
+            continue;
+        }
+        for (std::int64_t i = first; i < end; ++i) {
+            Zone const now = band.zoneOf(v.x[i]);
+            step(i, band, before, now, parts);
+            before = now;
+        }
+    }
+    return parts;
 }
 
 Band bandOf(FuncArgs const & args) {
@@ -93,15 +136,13 @@ FUNC_ERROR truncate(FuncArgs const & args, FuncResult & result, MessageHandler &
         return FUNC_FAILED;
     }
     Band const band = bandOf(args);
-    Count count;
-    walk(v, band, count);
-    if (count.points == 0) return FUNC_OK;
+    Parts const parts = partsInside(v, band);
+    if (parts.points == 0) return FUNC_OK;
     result.setType(VD_REAL, VD_REAL);
     result.setPhysType(args.physType(0), args.refPhysType(0));
-    result.allocate(count.points, ALLOC_DIVISIONS, 0);
-    result.allocateRef(count.points, ALLOC_DIVISIONS, 0);
-    Write write(result.data(), result.refData());
-    walk(v, band, write);
+    result.allocate(parts.points, ALLOC_DIVISIONS, 0);
+    result.allocateRef(parts.points, ALLOC_DIVISIONS, 0);
+    parts.write(v, result.data(), result.refData());
     result.setRefName(args.refName(0));
     return FUNC_OK;
 }

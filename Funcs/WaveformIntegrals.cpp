@@ -44,12 +44,10 @@ constexpr FUNC_ERROR refusal = FUNC_NO_RESULT;
 std::optional<Limit> find(Waveform const & v, double x, FuncArgs const & args, MessageHandler & messages) {
     InterpOpts options;
     options.order = 2;
-    YList<double> ys;
-    YList<std::int64_t> indices;
-    support_FindYFromX(&ys, &indices, v.y, v.x, v.length, x, options);
-    if (ys.size() == 1) return Limit{x, ys.front(), indices.front()};
-    messages.error(ys.empty() ? "The x value specified for the '%s' function is out of range"
-                              : "Argument to '%s' function is non-monotonic",
+    auto const places = findYFromX(v.y, v.x, v.length, x, options);
+    if (places.size() == 1) return Limit{x, places[0].y, places[0].index};
+    messages.error(places.empty() ? "The x value specified for the '%s' function is out of range"
+                                  : "Argument to '%s' function is non-monotonic",
                    args.getFuncName());
     return std::nullopt;
 }

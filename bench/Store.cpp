@@ -66,12 +66,16 @@ void setComplex(char const * name, std::vector<double> const & re, std::vector<d
     vector->enterGroup();
 }
 
-void setDivisions(char const * name, std::vector<double> const & data, std::size_t perDivision) {
+void setDivisions(char const * name, std::vector<double> const & data, std::size_t perDivision, bool withReference) {
     context();
     dvec * vector = freshVector(name);
+    auto const append = [perDivision](NamedVector & to, std::size_t i, double value) {
+        if (i > 0 && i % perDivision == 0) to.addDivision(YString());
+        (void)to.addVal(value);
+    };
     for (std::size_t i = 0; i < data.size(); ++i) {
-        if (i > 0 && i % perDivision == 0) vector->addDivision(YString());
-        (void)vector->addVal(data[i]);
+        append(*vector, i, data[i]);
+        if (withReference) append(vector->ref, i, static_cast<double>(i % perDivision));
     }
     vector->enterGroup();
 }

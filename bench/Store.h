@@ -25,8 +25,9 @@ std::vector<double> values(std::size_t n, unsigned seed, double low, double high
 // A vector of the global group, replacing one of the same name; its reference is 0, 1, 2, ... with `withReference`.
 void setReal(char const * name, std::vector<double> const & data, bool withReference = false);
 void setComplex(char const * name, std::vector<double> const & re, std::vector<double> const & im);
-// The same values in divisions of equal length.
-void setDivisions(char const * name, std::vector<double> const & data, std::size_t perDivision);
+// The same values in divisions of equal length; each division of the reference counts from 0.
+void setDivisions(char const * name, std::vector<double> const & data, std::size_t perDivision,
+                  bool withReference = false);
 
 // Evaluates through vec_EvalVecList and releases the result; the program ends when it fails.
 void evaluate(char const * expr);

@@ -24,6 +24,12 @@ PAIRS = [
     ("Evaluate/mag/{n}", ["NumPy/mag/{n}"]),
     ("Divisions/v*2/{n}", ["Limit/flat_v*2/{n}"]),
     ("Divisions/v+w/{n}", ["Limit/flat_v+w/{n}"]),
+    ("Divisions/integ(v)/{n}", ["Limit/flat_integ(v)/{n}"]),
+    ("Divisions/Mean1(v)/{n}", ["Limit/flat_Mean1(v)/{n}"]),
+    *(
+        (f"Waveform/{what}/{{n}}", [f"Limit/loop_{what}/{{n}}", f"SciPy/{what}/{{n}}"])
+        for what in ("integ", "avg", "Rms", "diff", "Interp1", "Interp2", "XFromY", "Maxima", "Histogram", "FIR", "Truncate")
+    ),
     ("Incremental/db(a/b)/10000000", ["Incremental/db(a/b)/1000"]),
     ("Incremental/a+b/10000000", ["Incremental/a+b/1000"]),
     ("Text/table/{n}", ["Limit/fast_float_table/{n}", "NumPy/loadtxt/{n}", "Pandas/read_csv/{n}",

@@ -48,9 +48,9 @@ public:
             std::int64_t const end = std::min(i + pieceLength, pieces);
             if (countCrossings(x + i, end - i, target) == 0) continue;
             for (std::int64_t k = i; k < end; ++k)
-                if (isWanted(passes(x[k], x[k + 1], target))) found(valueIn(k), k);
+                if (isWanted(passes(x[k], x[k + 1], target))) found({valueIn(k), k});
         }
-        if (x[pieces] == target && isWanted(lastDirection())) found(y[pieces], std::max<std::int64_t>(pieces - 1, 0));
+        if (x[pieces] == target && isWanted(lastDirection())) found({y[pieces], std::max<std::int64_t>(pieces - 1, 0)});
     }
 
 private:
@@ -98,18 +98,26 @@ double support_Interp(double const * y, double const * x, double at, InterpOpts 
     double value[highestInterpOrder + 1];
     std::copy_n(y, order + 1, value);
     for (int step = 1; step <= order; ++step)
-        for (int i = order; i >= step; --i)
-            value[i] = ((at - x[i - step]) * value[i] - (at - x[i]) * value[i - 1]) / (x[i] - x[i - step]);
+        for (int i = order; i >= step; --i) value[i] = joinedValue(x[i - step], value[i - 1], x[i], value[i], at);
     return value[order];
+}
+
+std::vector<CrossingPlace> findYFromX(double const * y, double const * x, std::int64_t length, double target,
+                                      InterpOpts const & options) {
+    std::vector<CrossingPlace> places;
+    if (length > 0)
+        CrossingSearch(y, x, length, target, options).run([&places](CrossingPlace const & place) {
+            places.push_back(place);
+        });
+    return places;
 }
 
 void support_FindYFromX(YList<double> * ys, YList<std::int64_t> * indices, double const * y, double const * x,
                         std::int64_t length, double target, InterpOpts const & options) {
-    if (length <= 0) return;
-    CrossingSearch(y, x, length, target, options).run([&](double value, std::int64_t index) {
-        ys->push_front(value);
-        indices->push_front(index);
-    });
+    for (CrossingPlace const & place : findYFromX(y, x, length, target, options)) {
+        ys->push_front(place.y);
+        indices->push_front(place.index);
+    }
 }
 
 void sp_BinarySearch(double const * data, std::int64_t length, double value, std::int64_t * lower, std::int64_t * upper,

@@ -5,6 +5,7 @@
 #include "torvelan/Containers.h"
 
 #include <cstdint>
+#include <vector>
 
 struct InterpOpts {
     // First byte: all crossings of a level by a waveform are meant, with the two sides exchanged, not one place among
@@ -22,10 +23,32 @@ constexpr int highestInterpOrder = 64;
 // (A. C. Aitken, On interpolation by iteration of proportional parts, 1932). Points of equal x make it infinite or NaN.
 double support_Interp(double const * y, double const * x, double at, InterpOpts const & options);
 
-// Every place where the x values pass through the target, newest first: the interpolated y goes into *ys, the index of
-// the sample in front into *indices. A piece holds its first point and not its last, but for the last piece of all. A
-// polynomial that is not finite, or leaves a piece that it has to stay in, gives way to the straight line. One point is
-// found by its own x.
+// The value between two polynomials that share all points but the first and the last: one without the last point, and
+// one without the first.
+inline double joinedValue(double firstX, double withoutLast, double lastX, double withoutFirst, double at) noexcept {
+    return ((at - firstX) * withoutFirst - (at - lastX) * withoutLast) / (lastX - firstX);
+}
+
+// support_Interp for an order known when it is compiled.
+template <int order> double interpolateBy(double const * y, double const * x, double at) noexcept {
+    if constexpr (order == 0)
+        return y[0];
+    else
+        return joinedValue(x[0], interpolateBy<order - 1>(y, x, at), x[order],
+                           interpolateBy<order - 1>(y + 1, x + 1, at), at);
+}
+
+struct CrossingPlace {
+    double y;           // interpolated
+    std::int64_t index; // of the sample in front
+};
+
+// Every place where the x values pass through the target, the one in front first. A piece holds its first point and not
+// its last, but for the last piece of all. A polynomial that is not finite, or leaves a piece that it has to stay in,
+// gives way to the straight line. One point is found by its own x.
+std::vector<CrossingPlace> findYFromX(double const * y, double const * x, std::int64_t length, double target,
+                                      InterpOpts const & options);
+// The same as two lists, newest first.
 void support_FindYFromX(YList<double> * ys, YList<std::int64_t> * indices, double const * y, double const * x,
                         std::int64_t length, double target, InterpOpts const & options);
 
