@@ -154,6 +154,28 @@ TEST_F(Calculus, TheLastSampleEndsAStepHoweverShort) {
     EXPECT_EQ(got[2], std::numeric_limits<double>::infinity());
 }
 
+TEST_F(Calculus, ShortStepsStandAnywhere) {
+    std::uniform_real_distribution<double> unit(0, 1);
+    for (double share : {0.001, 0.1, 0.9}) {
+        Reals x(2000), values(x.size());
+        for (std::size_t i = 1; i < x.size(); ++i) {
+            x[i] = x[i - 1] + (unit(random) < share ? 1e-12 : 1);
+            values[i] = unit(random);
+        }
+        double const threshold = x.back() / static_cast<double>(x.size() - 1) * 1e-6;
+        Reals wanted(x.size());
+        for (std::size_t a = 0, b = 0; a + 1 < x.size(); a = b) {
+            for (b = a + 1; b + 1 < x.size() && !(std::fabs(x[b] - x[a]) > threshold);) ++b;
+            double const slope = (values[b] - values[a]) / (x[b] - x[a]);
+            if (a == 0) wanted[0] = slope;
+            for (std::size_t j = a + 1; j < b; ++j)
+                wanted[j] = (slope - wanted[a]) / (x[b] - x[a]) * (x[j] - x[a]) + wanted[a];
+            wanted[b] = slope;
+        }
+        EXPECT_EQ(run("diff", waveform(x, values)), wanted) << share;
+    }
+}
+
 TEST_F(Calculus, TheThresholdIsAnOption) {
     sp_SetOption("DerivAcceptFactor", "0.5");
     Reals const got = run("diff", waveform({0, 0.1, 1, 2}, {0, 5, 1, 4}));
