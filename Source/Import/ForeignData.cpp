@@ -4,6 +4,7 @@
 #include "Import/OutputFile.h"
 #include "Import/PSpice.h"
 #include "Import/PSpiceSignature.h"
+#include "Import/Quadrel.h"
 #include "Import/Spice2.h"
 #include "Import/Spice3.h"
 #include "Import/TextData.h"
@@ -32,11 +33,15 @@ bool readPSpiceFile(tvfstream & stream, Group * group, VecOpenGroupOptions, Mess
     return testPSpiceSignature(stream) && readPSpice(stream, group, messages);
 }
 
+bool readQuadrelFile(tvfstream & stream, Group * group, VecOpenGroupOptions, MessageHandler &) {
+    return readQuadrel(stream, group);
+}
+
 struct ReaderRow {
     DataFileType type;
     char const * baseName; // of a group that is listed before the file is opened, and stays; null: listed by the reader
-    Reader read;           // null: no reader for this type yet
-    char const * failure;  // said in addition to what the reader says; null: the reader says it all
+    Reader read;
+    char const * failure; // said in addition to what the reader says; null: the reader says it all
 };
 
 constexpr ReaderRow readerRows[] = {
@@ -44,7 +49,7 @@ constexpr ReaderRow readerRows[] = {
     {DATA_SPICE2, nullptr, readSpice2File, "Spice2 raw data file read failed because of incorrect format"},
     {DATA_SPICE3, nullptr, readSpice3File, "SPICE3 raw data file read failed because of incorrect format"},
     {DATA_PSPICE, nullptr, readPSpiceFile, "PSpice data file read failed because of incorrect format"},
-    {DATA_QUADREL, nullptr, nullptr, "Reading Quadrel data files is not supported yet"},
+    {DATA_QUADREL, "quadrel", readQuadrelFile, "Quadrel data file read failed. Possibly incorrect format"},
 };
 
 ReaderRow const * findReader(DataFileType type) {
@@ -77,7 +82,7 @@ bool vec_OpenForeignDataFile(YString const & path, DataFileType type, VecOpenGro
     tvfstream stream(path, tvfstream::modeReadUntranslated, false, false);
     if (!openStream(stream, path, *messages)) return false;
     if (row == nullptr) return true;
-    if (row->read == nullptr || !row->read(stream, group.get(), options, *messages)) {
+    if (!row->read(stream, group.get(), options, *messages)) {
         if (row->failure != nullptr) messages->error("%s", row->failure);
         return false;
     }

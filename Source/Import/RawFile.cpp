@@ -49,10 +49,9 @@ public:
     }
 
     bool readCsdfSections() {
-        constexpr char const * failure = "CSDF data file read failed due to bad format, reason: %s. No data imported";
         CsdfTokeniserImpl tokeniser(stream_);
         if (tokeniser.isAtEnd()) {
-            messages_->error(failure, "File is empty");
+            messages_->error(nothingImported, "File is empty");
             return false;
         }
         auto const fileSize = static_cast<std::int64_t>(stream_.getFileSize());
@@ -91,14 +90,16 @@ private:
         if (result == CsdfResult::unfinished) messages_->warning("Possible missing data in CSDF file");
         if (result == CsdfResult::unfinished || result == CsdfResult::nothing) return true;
         if (n == 0)
-            messages_->error("CSDF data file read failed due to bad format, reason: %s. No data imported",
-                             csdfReason(result));
+            messages_->error(nothingImported, csdfReason(result));
         else
             messages_->error("CSDF data file read failed due to bad format in section %d, reason: %s. Earlier sections "
                              "successfully imported",
                              n + 1, csdfReason(result));
         return false;
     }
+
+    static constexpr char const * nothingImported =
+        "CSDF data file read failed due to bad format, reason: %s. No data imported";
 
     tvfstream & stream_;
     YString const & outputPath_;

@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-// The kind of a file. Those that have no reader yet are refused with a message.
+// The kind of a file.
 enum DataFileType : int {
     DATA_NOT_RECOGNISED = 0,
     DATA_TEXT = 1,

@@ -71,16 +71,6 @@ TEST_F(ForeignDataTest, TypesThatAreNoneReadNothing) {
     }
 }
 
-TEST_F(ForeignDataTest, TypesWithoutAReaderAreRefusedInWords) {
-    Group * const head = groupListHead();
-    for (DataFileType const type : {DATA_QUADREL}) {
-        EXPECT_FALSE(openPath(file_.path(), type));
-        ASSERT_EQ(texts().size(), 1u);
-        EXPECT_THAT(texts()[0], HasSubstr("not supported yet"));
-        EXPECT_EQ(groupListHead(), head);
-    }
-}
-
 TEST_F(ForeignDataTest, TextGroupIsThereBeforeTheFileIsOpened) {
     EXPECT_FALSE(openPath("/nonexistent/table.txt", DATA_TEXT));
     ASSERT_EQ(texts().size(), 1u);
