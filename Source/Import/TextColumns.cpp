@@ -24,21 +24,22 @@ bool takesPairs(dvec const & vector) {
 
 class ColumnReader {
 public:
-    ColumnReader(tvfstream & stream, YArray<dvec *> const & vectors)
-        : stream_(stream), vectors_(vectors), block_(vectors), plain_(arePlain(vectors)) {}
+    ColumnReader(tvfstream & stream, YArray<dvec *> const & vectors, GapBudget & gaps)
+        : stream_(stream), vectors_(vectors), gaps_(gaps), block_(vectors), plain_(arePlain(vectors)) {}
 
-    // True when another block follows.
-    bool read() {
+    ColumnsEnd read() {
         RowEnd end = RowEnd::next;
         while (end == RowEnd::next) {
             readPlainRows();
             end = readRow();
         }
-        return end == RowEnd::newBlock;
+        return end == RowEnd::newBlock    ? ColumnsEnd::newBlock
+               : end == RowEnd::tooSparse ? ColumnsEnd::tooManyGaps
+                                          : ColumnsEnd::finished;
     }
 
 private:
-    enum class RowEnd { next, fileEnd, newBlock };
+    enum class RowEnd { next, fileEnd, newBlock, tooSparse };
     enum class Taken { value, notANumber, badPair };
 
     // Each vector once, and all real: rows may be gathered before they are appended.
@@ -86,21 +87,22 @@ private:
 
     RowEnd endRow() const { return stream_.eof() || stream_.fail() ? RowEnd::fileEnd : RowEnd::next; }
 
-    RowEnd endShortRow(std::size_t column) {
-        fill(column);
-        return endRow();
-    }
+    RowEnd endShortRow(std::size_t column) { return fill(column) ? endRow() : RowEnd::tooSparse; }
 
     // The line will be read again, as the first of the next block. One that the end of the file has cut off has no
     // line end to go back over, and the stream stands before the one of the line above then.
     RowEnd endBlock(std::size_t column) {
         stream_.seekg(-static_cast<std::int64_t>(line_.size()) - 1, 1);
-        if (column != 0) fill(column);
-        return RowEnd::newBlock;
+        return column == 0 || fill(column) ? RowEnd::newBlock : RowEnd::tooSparse;
     }
 
-    void fill(std::size_t column) {
+    // The row from here on with zeros. False, and nothing done, when too much has been filled already.
+    bool fill(std::size_t column) {
+        std::size_t const count = vectors_.size() - column;
+        if (count > gaps_.left) return false;
+        gaps_.left -= count;
         for (; column < vectors_.size(); ++column) vectors_[column]->addVal(0.0);
+        return true;
     }
 
     std::string_view nextToken() {
@@ -136,6 +138,7 @@ private:
 
     tvfstream & stream_;
     YArray<dvec *> const & vectors_;
+    GapBudget & gaps_;
     PointBlock<double> block_;
     bool plain_;
     bool foreseen_ = false; // memory has been taken for the rest of the file
@@ -145,8 +148,18 @@ private:
 
 } // namespace
 
-bool readTextColumns(tvfstream & stream, YArray<dvec *> const & vectors) {
-    return ColumnReader(stream, vectors).read();
+GapBudget::GapBudget(tvfstream const & stream) {
+    constexpr std::uint64_t always = std::uint64_t{4} << 20, forEachByte = 4;
+    left = always + forEachByte * stream.getFileSize();
+}
+
+ColumnsEnd readTextColumns(tvfstream & stream, YArray<dvec *> const & vectors, GapBudget & gaps) {
+    return ColumnReader(stream, vectors, gaps).read();
+}
+
+ColumnsEnd readTextColumns(tvfstream & stream, YArray<dvec *> const & vectors) {
+    GapBudget gaps(stream);
+    return readTextColumns(stream, vectors, gaps);
 }
 
 void readAllNumbers(tvfstream & stream, dvec & vector) {

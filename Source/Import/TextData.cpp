@@ -20,7 +20,7 @@ enum class BlockEnd {
 class TextReader {
 public:
     TextReader(tvfstream & stream, Group * group, bool keepColons)
-        : stream_(stream), group_(group), keepColons_(keepColons), names_(*group) {}
+        : stream_(stream), group_(group), keepColons_(keepColons), names_(*group), gaps_(stream) {}
 
     BlockEnd readBlock() {
         TextHeader const header = readTextHeader(stream_);
@@ -28,9 +28,11 @@ public:
         YArray<dvec *> vectors; // in file order
         makeVectors(header, vectors);
         if (stream_.eof()) return BlockEnd::badFormat;
-        bool const another = vectors.empty() ? readNumbers(vectors) : readTextColumns(stream_, vectors);
+        ColumnsEnd const end = vectors.empty() ? readNumbers(vectors) : readTextColumns(stream_, vectors, gaps_);
         if (vectors.size() == 1) giveIndex(*vectors.front());
-        return another ? BlockEnd::another : BlockEnd::finished;
+        return end == ColumnsEnd::newBlock      ? BlockEnd::another
+               : end == ColumnsEnd::tooManyGaps ? BlockEnd::badFormat
+                                                : BlockEnd::finished;
     }
 
 private:
@@ -58,11 +60,11 @@ private:
     }
 
     // A file without names is one vector, from its very start.
-    bool readNumbers(YArray<dvec *> & vectors) {
+    ColumnsEnd readNumbers(YArray<dvec *> & vectors) {
         stream_.seekg(0);
         vectors.push_back(newVector("Data", PT_UNKNOWN));
         readAllNumbers(stream_, *vectors.front());
-        return false;
+        return ColumnsEnd::finished;
     }
 
     static void giveIndex(dvec & vector) {
@@ -77,6 +79,7 @@ private:
     Group * group_;
     bool keepColons_;
     UniqueNames names_;
+    GapBudget gaps_;
 };
 
 } // namespace

@@ -7,5 +7,5 @@ class tvfstream;
 struct Group;
 
 // Fills a listed group, which becomes the current one first. False, with a message, when a block has no line below its
-// names; what has been read so far stays.
+// names, or a wide table hardly anything but gaps; what has been read so far stays.
 bool readTextData(tvfstream & stream, Group * group, bool keepColons, MessageHandler & messages);

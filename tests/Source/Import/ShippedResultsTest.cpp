@@ -1,4 +1,5 @@
 // The results under examples, as a simulator wrote them, against what circuit theory says of the circuits.
+#include "OpenRawFixture.h"
 #include "RawFileFixture.h"
 
 #include <algorithm>
@@ -52,6 +53,43 @@ TEST_F(ShippedResultsTest, ConverterLoadObeysOhmsLaw) {
     auto const out = reals("out"), current = reals("rload#p");
     EXPECT_EQ(vector("rload#p")->physType(), PT_CURRENT);
     for (std::size_t i = 0; i < out.size(); ++i) ASSERT_NEAR(current[i], out[i] / 5, 1e-9 + 1e-6 * std::abs(out[i]));
+}
+
+TEST_F(ShippedResultsTest, SweepOfTheClipperIsOddAndObeysOhmsLaw) {
+    openExample("clipper/sweep.raw");
+    auto const in = reals("v-sweep"), out = reals("out"), current = reals("i(vin)");
+    ASSERT_EQ(in.size(), 41u);
+    EXPECT_EQ(vector("v-sweep")->physType(), PT_VOLTAGE);
+    constexpr double tolerance = 1e-3; // the simulator's own, of what it solves
+    for (std::size_t i = 0; i < in.size(); ++i) {
+        EXPECT_NEAR(in[i], -2 + 0.1 * static_cast<double>(i), 1e-12);
+        EXPECT_LT(std::abs(out[i]), 0.7);
+        EXPECT_NEAR(out[i], -out[40 - i], tolerance);
+        EXPECT_NEAR(current[i], (out[i] - in[i]) / 1000, 1e-9);
+    }
+}
+
+using ShippedSetsTest = OpenRawFixture;
+
+TEST_F(ShippedSetsTest, EveryAnalysisOfAFileIsAGroup) {
+    ASSERT_TRUE(vec_OpenRawFile(TORVELAN_SOURCE_DIR "/examples/clipper/analyses.raw", "out.tvdat", {}, messages_));
+    EXPECT_TRUE(messages_->texts.empty());
+    auto const groups = groupNames();
+    ASSERT_EQ(groups.size(), 5u);
+    auto find = [&groups](std::size_t group, char const * name) {
+        dvec * const v = findGroup(groups[group])->find(name);
+        EXPECT_NE(v, nullptr) << group << ' ' << name;
+        return v;
+    };
+    EXPECT_EQ(find(0, "out")->length(), 1);
+    EXPECT_TRUE(find(1, "out")->isComplex());
+    EXPECT_EQ(find(1, "frequency")->physType(), PT_FREQUENCY); // its line has a word more
+    EXPECT_EQ(find(1, "frequency")->length(), 21);
+    EXPECT_EQ(find(2, "time")->physType(), PT_TIME);
+    EXPECT_NEAR(find(2, "time")->getReal(find(2, "time")->length() - 1), 1e-3, 1e-12);
+    EXPECT_EQ(find(3, "onoise_spectrum")->physType(), PT_UNKNOWN);
+    EXPECT_EQ(find(3, "onoise_spectrum")->ref.length(), 21);
+    EXPECT_GT(find(4, "onoise_total")->getReal(0), 0);
 }
 
 } // namespace

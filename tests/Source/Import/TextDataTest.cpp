@@ -399,6 +399,19 @@ TEST_F(TextDataTest, ALineMayBeLongerThanAnyBlock) {
     EXPECT_THAT(numbers("x_199999"), ElementsAre(199999, 199999));
 }
 
+// 100,000 names and as many lines of one number would be ten thousand million zeros.
+TEST_F(TextDataTest, GapsOfAWideTableHaveABound) {
+    std::string content;
+    for (int i = 0; i < 100000; ++i) content += "x ";
+    content += '\n';
+    for (int i = 0; i < 100000; ++i) content += "1\n";
+    expectBadFormat(content);
+    EXPECT_LT(find("x_99999")->length(), 100);
+    EXPECT_GT(find("x_99999")->length(), 20);
+    for (int block = 0; block < 40; ++block) content += "y\n1\n"; // the bound is that of the file
+    expectBadFormat(content);
+}
+
 TEST_F(TextDataTest, AnyCutIsReadOrRefused) {
     std::string const text = "* c\n.div label=a index=0\ntime \"v(a b)\" i(r)\n0 (1,2) 1k\n1 3 4 .5\n"
                              ".div label=b index=1\ntime v(a_b) z\n0 (5 6) 7\n.\nword\n8\n";
