@@ -13,6 +13,10 @@ namespace {
 constexpr std::size_t stripWidth = 2 * laneCount; // columns
 constexpr std::size_t rowDoubles = 2 * laneCount;
 
+// Results from this length on are written past the cache. They are written in short pieces far apart, which share few
+// places of the cache.
+constexpr std::size_t streamedLength = std::size_t{1} << 19;
+
 std::size_t lowerHalf(std::size_t n) noexcept {
     return std::size_t{1} << (std::bit_width(n) - 1) / 2;
 }
@@ -136,13 +140,21 @@ struct Placing {
     LaneTransform const & rows;
     std::size_t rowCount, first; // number of the first row of the group
     double scale;
+    bool streams;
 };
 
-TORVELAN_INLINE void storePairs(complex * to, Lanes const & re, Lanes const & im, double scale) noexcept {
+TORVELAN_INLINE void storePairs(complex * to, Lanes const & re, Lanes const & im, Placing const & p) noexcept {
     Lanes low, high;
     interleave(low, high, re, im);
-    *looseLanesAt(&to->re) = low * scale;
-    *looseLanesAt(&to->re + laneCount) = high * scale;
+    low *= p.scale;
+    high *= p.scale;
+    if (p.streams) {
+        streamLanes(&to->re, low);
+        streamLanes(&to->re + laneCount, high);
+    } else {
+        *looseLanesAt(&to->re) = low;
+        *looseLanesAt(&to->re + laneCount) = high;
+    }
 }
 
 // Of the rows k1 of a group: elements of their lower half where they belong, mirror images of their upper half where
@@ -152,12 +164,12 @@ TORVELAN_MULTIVERSION void placeRows(Placing const & p) {
     std::size_t const count = p.rows.length();
     for (std::size_t q = 0; q < count / 2; ++q) {
         Row const & row = p.work[p.rows.placeOf(q)];
-        storePairs(p.out + q * p.rowCount + p.first, row.re, row.im, p.scale);
+        storePairs(p.out + q * p.rowCount + p.first, row.re, row.im, p);
         Row const & upper = p.work[p.rows.placeOf(count - 1 - q)];
         Lanes re, im;
         reverseBehind(re, upper.re, p.above[q].re);
         reverseBehind(im, upper.im, p.above[q].im);
-        storePairs(p.out + (q + 1) * p.rowCount - p.first - laneCount, re, -im, p.scale);
+        storePairs(p.out + (q + 1) * p.rowCount - p.first - laneCount, re, -im, p);
         p.above[q] = {upper.re[0], upper.im[0]};
     }
 }
@@ -189,6 +201,7 @@ void BlockedTransform::run(complex * out, complex * scratch, Samples const & sam
     // Taking real columns apart has left twice of each.
     for (std::size_t group = columns_.length() / stripWidth; group-- > 0;)
         transformGroup(out, groups, group, scale / 2);
+    endStreaming();
 }
 
 void BlockedTransform::transformStrip(double * groups, std::size_t column, Samples const & samples, Window window) {
@@ -234,7 +247,8 @@ void BlockedTransform::transformMiddle() {
 
 void BlockedTransform::transformGroup(complex * out, double const * groups, std::size_t group, double scale) {
     transformRows(work_.data(), rows_, groups + group * rows_.length() * rowDoubles);
-    placeRows({out, above_.data(), work_.data(), rows_, columns_.length(), group * laneCount, scale});
+    placeRows({out, above_.data(), work_.data(), rows_, columns_.length(), group * laneCount, scale,
+               length() >= streamedLength});
 }
 
 } // namespace realtransform
