@@ -17,7 +17,7 @@ MakeOption const derivAcceptFactor("DerivAcceptFactor", 1e-6, OptionPersistence:
 
 // --- loops. `out` may be the memory of v.y, so an element is kept before its place is written.
 
-void integrate(double * out, Waveform const & v) {
+void integrate(double * out, Samples const & v) {
     double total = 0, before = v.y[0];
     out[0] = 0;
     for (std::int64_t i = 1; i < v.length; ++i) {
@@ -27,7 +27,7 @@ void integrate(double * out, Waveform const & v) {
     }
 }
 
-void average(double * out, Waveform const & v) {
+void average(double * out, Samples const & v) {
     double total = 0, before = v.y[0];
     out[0] = 0;
     for (std::int64_t i = 1; i < v.length; ++i) {
@@ -38,7 +38,7 @@ void average(double * out, Waveform const & v) {
     }
 }
 
-void subtractNeighbours(double * out, Waveform const & v) {
+void subtractNeighbours(double * out, Samples const & v) {
     double before = v.y[0];
     for (std::int64_t i = 1; i < v.length; ++i) {
         double const here = v.y[i];
@@ -64,7 +64,7 @@ TORVELAN_MULTIVERSION bool neighbourSlopes(double * out, double const * y, doubl
 // The anchor is the sample that the last step ended on.
 class Differentiation {
 public:
-    Differentiation(double * out, Waveform const & v, double threshold) noexcept
+    Differentiation(double * out, Samples const & v, double threshold) noexcept
         : out_(out), v_(v), threshold_(threshold), anchorY_(v.y[0]) {}
 
     // Where steps are short a block of samples is walked one by one.
@@ -112,7 +112,7 @@ private:
     }
 
     double * out_; // may be the memory of v.y, so that behind the anchor there are only slopes
-    Waveform const & v_;
+    Samples const & v_;
     double threshold_;
     std::int64_t anchor_ = 0;
     double anchorY_;
@@ -120,7 +120,7 @@ private:
 
 // --- handlers
 
-FUNC_ERROR refuseUnlessWaveform(Waveform const & v, char const * name, FuncArgs const & args,
+FUNC_ERROR refuseUnlessWaveform(Samples const & v, char const * name, FuncArgs const & args,
                                 MessageHandler & messages) {
     if (v.length == 0 && args.length(0) == 0) return refuseRange(name, messages);
     return v.hasReference() ? FUNC_OK : refuseMissingReference(args, 0, messages);
@@ -129,30 +129,31 @@ FUNC_ERROR refuseUnlessWaveform(Waveform const & v, char const * name, FuncArgs 
 FUNC_ERROR integ(FuncArgs const & args, FuncResult & result, MessageHandler & messages) {
     Waveform const v(args, 0);
     if (FUNC_ERROR const error = refuseUnlessWaveform(v, "integ", args, messages)) return error;
-    integrate(resultLike(args, result, v.length, mult(args.physType(0), args.refPhysType(0))), v);
+    v.eachDivision(resultLike(args, result, v.length, mult(args.physType(0), args.refPhysType(0))), integrate);
     return FUNC_OK;
 }
 
 FUNC_ERROR avg(FuncArgs const & args, FuncResult & result, MessageHandler & messages) {
     Waveform const v(args, 0);
     if (FUNC_ERROR const error = refuseUnlessWaveform(v, "avg", args, messages)) return error;
-    average(resultLike(args, result, v.length, args.physType(0)), v);
+    v.eachDivision(resultLike(args, result, v.length, args.physType(0)), average);
     return FUNC_OK;
 }
 
-double acceptedStep(Waveform const & v) {
+void differentiate(double * out, Samples const & v) {
     double const meanStep = std::fabs(v.x[v.length - 1] - v.x[0]) / static_cast<double>(v.length - 1);
-    return meanStep * sp_GetDoubleOption("DerivAcceptFactor");
+    Differentiation(out, v, meanStep * sp_GetDoubleOption("DerivAcceptFactor")).run();
 }
 
 FUNC_ERROR diff(FuncArgs const & args, FuncResult & result, MessageHandler & messages) {
     Waveform const v(args, 0);
-    if (v.length < 2) return refuseRange("diff", messages);
+    bool const hasSteps = v.eachDivision([](Samples const & part, std::int64_t) { return part.length >= 2; });
+    if (!hasSteps) return refuseRange("diff", messages);
     PhysType const type = args.physType(0);
     if (v.hasReference())
-        Differentiation(resultLike(args, result, v.length, div(type, args.refPhysType(0))), v, acceptedStep(v)).run();
+        v.eachDivision(resultLike(args, result, v.length, div(type, args.refPhysType(0))), differentiate);
     else
-        subtractNeighbours(resultLike(args, result, v.length, type), v);
+        v.eachDivision(resultLike(args, result, v.length, type), subtractNeighbours);
     return FUNC_OK;
 }
 
@@ -164,7 +165,7 @@ struct Limit {
 };
 
 // False when x lies outside the waveform.
-bool findLimit(Waveform const & v, double x, Limit * limit) {
+bool findLimit(Samples const & v, double x, Limit * limit) {
     auto const places = findYFromX(v.y, v.x, v.length, x, InterpOpts());
     if (places.empty()) return false;
     *limit = {x, places.front().y, places.front().index};
@@ -175,7 +176,7 @@ double trapezoid(double xl, double yl, double xr, double yr) noexcept {
     return (yl + yr) * 0.5 * (xr - xl);
 }
 
-double areaBetween(Waveform const & v, Limit const & start, Limit const & end) {
+double areaBetween(Samples const & v, Limit const & start, Limit const & end) {
     double total = 0, x = start.x, y = start.y;
     for (std::int64_t i = start.index + 1; i <= end.index; ++i) {
         total += trapezoid(x, y, v.x[i], v.y[i]);
@@ -228,9 +229,9 @@ FUNC_ERROR vector(FuncArgs const & args, FuncResult & result, MessageHandler &) 
 
 constexpr FunctionRow rows[] = {
     {"area", handlerOf<area>, 1, 3, {ARG_REAL, ARG_REAL, ARG_REAL}, {}, "Area under a waveform between two x values"},
-    {"avg", handlerOf<avg>, 1, 1, {ARG_REAL}, {MULTI_EACH}, "Running average over x"},
-    {"integ", handlerOf<integ>, 1, 1, {ARG_REAL}, {MULTI_EACH}, "Running integral over x"},
-    {"diff", handlerOf<diff>, 1, 1, {ARG_REAL}, {MULTI_EACH}, "Derivative by x"},
+    {"avg", handlerOf<avg>, 1, 1, {ARG_REAL}, {MULTI_EACH}, "Running average over x", walks},
+    {"integ", handlerOf<integ>, 1, 1, {ARG_REAL}, {MULTI_EACH}, "Running integral over x", walks},
+    {"diff", handlerOf<diff>, 1, 1, {ARG_REAL}, {MULTI_EACH}, "Derivative by x", walks},
     {"unitvec", handlerOf<unitvec>, 1, 1, {ARG_REAL}, {}, "So many ones"},
     {"vector", handlerOf<vector>, 1, 1, {ARG_REAL}, {}, "The numbers 0, 1, 2, ... up to a count"},
 };

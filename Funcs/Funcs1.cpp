@@ -53,7 +53,7 @@ FUNC_ERROR locate(FuncArgs const & args, FuncResult & result, MessageHandler &) 
 
 // --- running root mean square of a waveform. `out` may be the memory of v.y.
 
-void runningRms(double * out, Waveform const & v) {
+void runningRms(double * out, Samples const & v) {
     double total = 0, before = v.y[0], start = v.x[0];
     out[0] = std::fabs(before);
     for (std::int64_t i = 1; i < v.length; ++i) {
@@ -72,7 +72,7 @@ FUNC_ERROR rms(FuncArgs const & args, FuncResult & result, MessageHandler & mess
     Waveform const v(args, 0);
     if (!v.hasReference()) return refuseMissingReference(args, 0, messages);
     if (v.length == 0) return FUNC_OK;
-    runningRms(resultLike(args, result, v.length, args.physType(0)), v);
+    v.eachDivision(resultLike(args, result, v.length, args.physType(0)), runningRms);
     return FUNC_OK;
 }
 
@@ -107,7 +107,7 @@ constexpr FunctionRow rows[] = {
     {"Minimum", handlerOf<funcs1::minimum>, 1, 3, {ARG_NUMERIC, real, real}, {each}, "Least value between two x"},
     {"Range", handlerOf<funcs1::range>, 1, 3, {ARG_AS_IS, real, real}, {each}, "Elements from one index to another"},
     {"Ref", handlerOf<funcs1::ref>, 1, 1, {ARG_NUMERIC}, {each}, "The reference as a vector"},
-    {"Rms", handlerOf<rms>, 1, 1, {real}, {each}, "Running root mean square over x"},
+    {"Rms", handlerOf<rms>, 1, 1, {real}, {each}, "Running root mean square over x", walks},
     {"Truncate", handlerOf<funcs1::truncate>, 1, 3, {real, real, real}, {each}, "Part of a waveform between two x"},
     {"XY", handlerOf<funcs1::xy>, 2, 2, {real, real}, {each, each}, "A vector of given values over given x"},
     {"Ones", handlerOf<ones>, 1, 1, {real}, {refused}, "Whether every element is 1"},

@@ -7,6 +7,7 @@ FunctionFamily::FunctionFamily(std::span<FunctionRow const> rows, std::source_lo
         FuncInfo info(row.name, row.types, row.minArgs, row.maxArgs, row.handler, row.multiDefs,
                       (row.traits & incremental) != 0);
         info.flatDivisions = (row.traits & flat) != 0;
+        info.walksDivisions = (row.traits & walks) != 0;
         info.summary = row.summary;
         PlacedFunction{info, place};
     }

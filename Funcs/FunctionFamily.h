@@ -20,6 +20,7 @@ enum FunctionTraits : unsigned char {
     incremental = 1, // on new points alone
     flat = 2,        // on all divisions as one array
     elementwise = incremental | flat,
+    walks = 4, // on all divisions as one array, through which it goes itself
 };
 
 struct FunctionRow {

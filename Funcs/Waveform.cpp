@@ -6,7 +6,9 @@
 #include <limits>
 
 Waveform::Waveform(FuncArgs const & args, int argument)
-    : y(args.data(argument)), x(args.refData(argument)), length(y != nullptr ? args.length(argument) : 0) {
+    : Samples{args.data(argument), args.refData(argument), 0},
+      divisions_(args.isFlat() ? args.getYVec(argument) : nullptr) {
+    if (y != nullptr) length = args.length(argument);
     std::int64_t const refLength = args.refLength(argument);
     if (complex const * pairs = args.complexRefData(argument); pairs != nullptr && refLength > 0) {
         realParts_.resize(static_cast<std::size_t>(refLength));
@@ -17,7 +19,7 @@ Waveform::Waveform(FuncArgs const & args, int argument)
     if (x != nullptr) length = std::min(length, refLength);
 }
 
-bool Waveform::isStrictlyMonotonic() const {
+bool Samples::isStrictlyMonotonic() const {
     bool const falls = length > 1 && x[0] > x[1];
     for (std::int64_t i = 1; i < length; ++i)
         if (falls ? x[i] >= x[i - 1] : x[i - 1] >= x[i]) return false;
@@ -84,4 +86,12 @@ void giveNumber(FuncResult & result, double value, PhysType physType) {
     result.setPhysType(physType, PT_UNCHANGED);
     result.allocate(1, ALLOC_DIVISIONS, 1);
     *result.data() = value;
+}
+
+double * numberForEachDivision(FuncArgs const & args, FuncResult & result, PhysType physType) {
+    std::int64_t const count = args.isFlat() ? args.numYDivisions(0) : 1;
+    result.setType(VD_REAL, VD_UNSET);
+    result.setPhysType(physType, PT_UNCHANGED);
+    result.allocate(count, ALLOC_DIVISIONS, 1);
+    return result.data();
 }

@@ -9,14 +9,8 @@
 #include <string_view>
 #include <vector>
 
-// The current division of a real argument. Where the two sides differ in length, the points that have both. A complex
-// reference gives its real parts.
-class Waveform {
-public:
-    Waveform(FuncArgs const & args, int argument);
-    Waveform(Waveform const &) = delete;
-    Waveform & operator=(Waveform const &) = delete;
-
+// Points over their reference.
+struct Samples {
     double const * y = nullptr; // null when the argument is not real
     double const * x = nullptr; // null without a reference
     std::int64_t length = 0;
@@ -24,8 +18,40 @@ public:
     bool hasReference() const noexcept { return x != nullptr; }
     // Whether x rises, or falls, from each point to the next.
     bool isStrictlyMonotonic() const;
+};
+
+// A real argument: its current division, or in a flat call all of them as one array. Where the two sides differ in
+// length, the points that have both. A complex reference gives its real parts.
+class Waveform : public Samples {
+public:
+    Waveform(FuncArgs const & args, int argument);
+    Waveform(Waveform const &) = delete;
+    Waveform & operator=(Waveform const &) = delete;
+
+    // Calls work(samples, number) for each division; ends and answers false as soon as the work does.
+    template <class Work> bool eachDivision(Work const & work) const {
+        if (divisions_ == nullptr) return work(*this, 0);
+        Samples part{y, x, 0};
+        std::int64_t const count = divisions_->numDivisions();
+        for (std::int64_t d = 0; d < count; ++d) {
+            part.length = divisions_->length(d);
+            if (!work(part, d)) return false;
+            part.y += part.length;
+            if (x != nullptr) part.x += part.length;
+        }
+        return true;
+    }
+    // Calls work(out, samples) for each division, and the part of `to` that is as far on.
+    template <class Work> void eachDivision(double * to, Work const & work) const {
+        double const * const first = y;
+        eachDivision([&](Samples const & part, std::int64_t) {
+            work(to + (part.y - first), part);
+            return true;
+        });
+    }
 
 private:
+    NamedVector const * divisions_; // null unless the call is flat
     std::vector<double> realParts_;
 };
 
@@ -50,3 +76,5 @@ double * resultLike(FuncArgs const & args, FuncResult & result, std::int64_t n, 
 void giveStrings(FuncResult & result, std::vector<std::string> const & texts);
 // One real element, of the result of a call that gives one a division.
 void giveNumber(FuncResult & result, double value, PhysType physType);
+// The same for each division of argument 0, where the call may be flat; to be filled.
+double * numberForEachDivision(FuncArgs const & args, FuncResult & result, PhysType physType);

@@ -43,8 +43,11 @@ private:
     bool argumentsAreRegular() {
         for (int i = 0; i < args.getNumArgs(); ++i)
             if (!isRegular(i)) return false;
-        return table != nullptr;
+        return table != nullptr && (!call.info.walksDivisions || everySideIsDivided());
     }
+
+    // The first argument and all references have the divisions that a handler walks through.
+    bool everySideIsDivided() const { return args.getYVec(0)->sameDivisions(*table) && referencesAreExact(); }
 
     bool isRegular(int i) {
         NamedVector const & y = *args.getYVec(i);
@@ -67,11 +70,16 @@ private:
         return call.run() == FUNC_OK && giveDivisions();
     }
 
-    // False unless the handler has made an element for each one of the arguments.
+    // False unless the handler has made an element for each one of the arguments, or, where it walks, for each
+    // division.
     bool giveDivisions() {
         NamedVector & y = *result.getYVec();
         NamedVector & ref = *result.getXVec();
         std::int64_t const total = table->totalLength();
+        if (call.info.walksDivisions && y.totalLength() == divisionCount && ref.totalLength() == 0) {
+            y.divideEvenly(1);
+            return true;
+        }
         if (y.numDivisions() != 1 || y.totalLength() != total) return false;
         bool const refIsWhole = ref.totalLength() == 0 || ref.numDivisions() == divisionCount;
         if (!refIsWhole && (ref.numDivisions() != 1 || ref.totalLength() != total)) return false;

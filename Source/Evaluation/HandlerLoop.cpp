@@ -54,7 +54,7 @@ FUNC_ERROR HandlerLoop::run() {
 }
 
 bool HandlerLoop::mayRunFlat() const noexcept {
-    return info.flatDivisions && !divisions.collapse && !isIncremental();
+    return (info.flatDivisions || info.walksDivisions) && !divisions.collapse && !isIncremental();
 }
 
 FUNC_ERROR HandlerLoop::runEach() {

@@ -108,6 +108,16 @@ void BaseVector::adoptDivisions(BaseVector const & other) {
     own->divisionIndex = std::move(divisions);
 }
 
+void BaseVector::divideEvenly(std::int64_t n) {
+    if (!isWhole() || n <= 0) return;
+    VectorRep * own = unique();
+    own->becomeOneDivision();
+    own->divisionIndex.reserve(own->elements() / n);
+    std::uint64_t const width = elementWidth(own->type);
+    for (std::int64_t i = n; i < own->elements(); i += n)
+        own->divisionIndex.append(static_cast<std::uint64_t>(i) * width);
+}
+
 void BaseVector::truncate(std::int64_t total, std::int64_t divisions) {
     VectorRep const & r = record();
     std::int64_t n = std::clamp<std::int64_t>(total, 0, r.elements());

@@ -82,6 +82,7 @@ struct TORVELAN_API FuncInfo {
     DirectHandler directHandler = nullptr;
     bool supportsIncremental = false; // elementwise: may be evaluated on new points alone
     bool flatDivisions = false;       // may be handed all divisions as one array: its elements do not know neighbours
+    bool walksDivisions = false;      // the same, but goes through the divisions itself, which all arguments share
     State state;
     YString summary; // one line for lists of functions
     TimerLink timerLink;

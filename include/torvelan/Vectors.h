@@ -173,6 +173,8 @@ public:
     void mergeAscending(double const * a, std::int64_t na, double const * b, std::int64_t nb, std::int64_t * n);
     // Gives this vector (whole, holding the total number of elements already) the divisions of `other`.
     void adoptDivisions(BaseVector const & other);
+    // Gives this vector (whole) divisions of n elements each.
+    void divideEvenly(std::int64_t n);
     // Cuts the data back to `total` elements in `divisions` divisions; releases strings behind them.
     void truncate(std::int64_t total, std::int64_t divisions);
     // Takes over the element memory of `donor` (sole holder, whole view, memory only), as n elements of `type` with

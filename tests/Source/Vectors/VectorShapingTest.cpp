@@ -221,6 +221,20 @@ TEST(VectorShaping, AnnouncedDivisionsAreNotAdopted) {
     EXPECT_EQ(divisionsOf(v), Divisions({{5}, {6, 7}}));
 }
 
+TEST(VectorShaping, DividesEvenly) {
+    BaseVector v = realVector({1, 2, 3, 4, 5});
+    BaseVector const shared = v;
+    v.divideEvenly(2);
+    EXPECT_EQ(divisionsOf(v), Divisions({{1, 2}, {3, 4}, {5}}));
+    EXPECT_EQ(shared.numDivisions(), 1);
+    v.divideEvenly(1);
+    EXPECT_EQ(v.numDivisions(), 5);
+    v.divideEvenly(9);
+    EXPECT_EQ(v.numDivisions(), 1);
+    v.divideEvenly(0);
+    EXPECT_EQ(v.numDivisions(), 1);
+}
+
 TEST(VectorShaping, TruncateGoesBackToAnEarlierState) {
     BaseVector v = steppedVector({{1, 2}, {3}, {4, 5}});
     v.setDivision(2);
