@@ -88,7 +88,7 @@ private:
         auto const share = bufferBytes_ / (static_cast<std::int64_t>(nodes.size()) + 1);
         constexpr std::int64_t most = std::numeric_limits<int>::max();
         vectorBytes_ = static_cast<int>(std::clamp<std::int64_t>(share, 0, most));
-        if (YString const * const name = value("SWEEPVAR")) vectors_.sweep = makeVector(plainSignalName(*name));
+        if (YString const * const name = value("SWEEPVAR")) vectors_.sweep = {makeVector(plainSignalName(*name))};
         YString const * const answer = value("COMPLEXVALUES");
         vectors_.isComplex = answer != nullptr && equalNoCase(*answer, "YES");
         for (std::string const & names : nodes) makeNodeVector(signalOfNode(names));
@@ -105,7 +105,7 @@ private:
     void makeNodeVector(SignalName const & signal) {
         dvec * const vector = makeVector(signal);
         vectors_.nodes.push_back(vector);
-        if (vectors_.sweep != nullptr) vector->ref = *vectors_.sweep;
+        if (!vectors_.sweep.empty()) vector->ref = *vectors_.sweep.front();
         if (vectors_.isComplex) vector->setComplexFlag();
     }
 

@@ -18,13 +18,14 @@ long parseIndex(std::string_view text) {
 template <class Element> class RowReader {
 public:
     RowReader(CsdfTokeniser & tokeniser, CsdfVectors const & vectors)
-        : tokeniser_(tokeniser), vectors_(vectors), block_(vectors.nodes) {}
+        : tokeniser_(tokeniser), vectors_(vectors), sweeps_(vectors.sweep), block_(vectors.nodes) {}
 
     CsdfResult read() {
         CsdfResult result = CsdfResult::ended;
         do {
             while (readPlainRow()) {
             }
+            sweeps_.flush();
             block_.flush();
             result = readRow();
         } while (result == CsdfResult::done && equalNoCase(token_.text, "#C"));
@@ -37,10 +38,10 @@ private:
     // sooner.
     bool readPlainRow() {
         double sweep = 0;
-        PlainCsdfRow const row = parsePlainCsdfRow(tokeniser_.ahead(), sweep, block_.room(), block_.columns());
+        PlainCsdfRow const row = parsePlainCsdfRow(tokeniser_.ahead(), sweep, block_.room(), vectors_.nodes.size());
         if (row.taken == 0) return false;
         tokeniser_.skipAhead(row.taken, row.words);
-        addSweep(sweep);
+        sweeps_.add(sweep);
         block_.addPoint();
         return true;
     }
@@ -49,7 +50,8 @@ private:
     CsdfResult readRow() {
         if (!tokeniser_.word(token_)) return CsdfResult::ended;
         if (!token_.isWord()) return CsdfResult::badData;
-        if (!token_.touchesEnd) addSweep(csdfNumber(token_.text));
+        if (!token_.touchesEnd)
+            for (dvec * sweep : vectors_.sweep) sweep->addVal(csdfNumber(token_.text));
         if (!tokeniser_.word(token_, CsdfTokeniser::valueDelimiters)) return CsdfResult::ended;
         std::int64_t const count = token_.isWord() ? parseInt(token_.text) : 0;
         if (count < 1 || count > nodeCount()) return CsdfResult::badData;
@@ -105,13 +107,11 @@ private:
         return given == index + 1 ? CsdfResult::done : CsdfResult::missingData;
     }
 
-    void addSweep(double value) {
-        if (vectors_.sweep != nullptr) vectors_.sweep->addVal(value);
-    }
     std::int64_t nodeCount() const noexcept { return static_cast<std::int64_t>(vectors_.nodes.size()); }
 
     CsdfTokeniser & tokeniser_;
     CsdfVectors const & vectors_;
+    PointBlock<double> sweeps_;
     PointBlock<Element> block_; // whole rows
     CsdfToken token_;
 };

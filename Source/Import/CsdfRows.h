@@ -7,7 +7,7 @@
 class dvec;
 
 struct CsdfVectors {
-    dvec * sweep = nullptr; // null: sweep values are dropped
+    YArray<dvec *> sweep; // one, or none: sweep values are dropped
     YArray<dvec *> nodes;
     bool isComplex = false; // the nodes
 };

@@ -1,5 +1,6 @@
 #include "Import/FloatPoints.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -16,7 +17,13 @@ template <class Element> Element load(char const * bytes) {
 } // namespace
 
 template <class Element> void FloatPoints::appendColumn(dvec & vector, char const * bytes, std::size_t points) const {
-    for (std::size_t i = 0; i < points; ++i) vector.addVal(load<Element>(bytes + i * stride_));
+    constexpr std::size_t piece = 512;
+    Element values[piece];
+    for (std::size_t done = 0; done < points; done += piece) {
+        std::size_t const n = std::min(piece, points - done);
+        for (std::size_t i = 0; i < n; ++i) values[i] = load<Element>(bytes + (done + i) * stride_);
+        vector.addVals(values, n);
+    }
 }
 
 void FloatPoints::append(char const * bytes, std::size_t points) const {

@@ -160,16 +160,22 @@ private:
     }
 
     bool readSweep(std::int64_t bytes) {
+        constexpr std::int64_t valueBytes = sizeof(double), most = 512;
         if (input_.failed() || bytes < 0) return false;
-        for (std::int64_t n = bytes / static_cast<std::int64_t>(sizeof(double)); n > 0; --n) {
-            char room[sizeof(double)];
-            if (stream_.read(room, sizeof room) != sizeof room) return false;
-            double value = 0;
-            std::memcpy(&value, room, sizeof room);
-            if (sweepRows_ < header_.rows) vectors_.front()->addVal(value);
-            ++sweepRows_;
+        double values[most];
+        for (std::int64_t left = bytes / valueBytes; left > 0; left -= most) {
+            auto const wanted = static_cast<std::size_t>(std::min(left, most) * valueBytes);
+            if (stream_.read(reinterpret_cast<char *>(values), wanted) != wanted) return false;
+            appendSweep(values, std::min(left, most));
         }
         return true;
+    }
+
+    // What goes beyond the rows announced is dropped.
+    void appendSweep(double const * values, std::int64_t count) {
+        std::int64_t const room = std::max<std::int64_t>(header_.rows - sweepRows_, 0);
+        vectors_.front()->addVals(values, static_cast<std::size_t>(std::min(count, room)));
+        sweepRows_ += count;
     }
 
     // The values of every vector but the first.
@@ -191,7 +197,6 @@ private:
         return true;
     }
 
-    // What goes beyond the rows announced is dropped.
     void appendRows(FloatPoints const & points, std::int64_t count) {
         std::int64_t const room = std::max<std::int64_t>(header_.rows - analysisRows_, 0);
         points.append(block_.data(), static_cast<std::size_t>(std::min(count, room)));
