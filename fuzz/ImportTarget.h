@@ -50,16 +50,32 @@ inline void visitVectors(std::int64_t mostValues) {
     }
 }
 
-// `always` is what a vector may hold whatever the size of the file.
-inline void import(std::uint8_t const * data, std::size_t size, DataFileType type, VecOpenGroupOptions options = {},
-                   std::int64_t always = 1 << 20) {
+// `read` is given the path of the file; `always` is what a vector may hold whatever the size of the file.
+template <class Read>
+void importBy(Read read, std::uint8_t const * data, std::size_t size, std::int64_t always = 1 << 20) {
     EngineSession const session(std::make_shared<NullMessageHandler>());
     YRef<MessageHandler> const silence = std::make_shared<NullMessageHandler>();
     MemoryFile const file(data, size);
-    (void)vec_OpenForeignDataFile(file.path(), type, options, nullptr, silence);
+    read(file.path(), silence);
     visitVectors(16 * static_cast<std::int64_t>(size) + always);
     double two = 0;
     require(vec_Evaluate(&two, YString("1+1"), ScpParseContext(silence)) == VEC_EVAL_OK && two == 2);
+}
+
+inline void import(std::uint8_t const * data, std::size_t size, DataFileType type, VecOpenGroupOptions options = {},
+                   std::int64_t always = 1 << 20) {
+    auto const read = [=](YString const & path, YRef<MessageHandler> const & messages) {
+        (void)vec_OpenForeignDataFile(path, type, options, nullptr, messages);
+    };
+    importBy(read, data, size, always);
+}
+
+// All data sets, into memory, since there is no place for data files.
+inline void importSets(std::uint8_t const * data, std::size_t size, VecOpenRawFileOptions options) {
+    auto const read = [=](YString const & path, YRef<MessageHandler> const & messages) {
+        (void)vec_OpenRawFile(path, "/nonexistent/x", options, messages);
+    };
+    importBy(read, data, size);
 }
 
 } // namespace fuzz

@@ -7,6 +7,12 @@
 
 namespace {
 
+int hexDigit(char c) {
+    if (c >= '0' && c <= '9') return c - '0';
+    auto const letter = static_cast<char>(c | 0x20);
+    return letter >= 'a' && letter <= 'f' ? letter - 'a' + 10 : -1;
+}
+
 // Goes forward through a text; once something does not fit it has failed for good.
 class RowScanner {
 public:
@@ -25,7 +31,10 @@ public:
     // The number n, in decimal.
     void count(std::size_t n) {
         skipSpace();
-        integerHere(n, 10);
+        std::size_t given = 0;
+        auto const result = std::from_chars(position_, end_, given);
+        require(result.ec == std::errc() && given == n);
+        position_ = result.ptr;
         space();
     }
     // What is behind a value: the index n, in hexadecimal, or nothing.
@@ -33,7 +42,7 @@ public:
         hasIndex_ = position_ != end_ && *position_ == ':';
         if (!hasIndex_) return space();
         ++position_;
-        integerHere(n, 16);
+        require(n == hexHere());
         space();
     }
     void beginningOfRow() {
@@ -63,11 +72,13 @@ private:
         require(result.ec == std::errc() && value == value);
         position_ = result.ptr;
     }
-    void integerHere(std::size_t n, int base) {
+    // Of at most eight digits; with more, white space does not follow.
+    std::size_t hexHere() {
+        constexpr int most = 8;
         std::size_t given = 0;
-        auto const result = std::from_chars(position_, end_, given, base);
-        require(result.ec == std::errc() && given == n);
-        position_ = result.ptr;
+        for (int i = 0; i < most && position_ != end_ && hexDigit(*position_) >= 0; ++i)
+            given = given * 16 + static_cast<std::size_t>(hexDigit(*position_++));
+        return given;
     }
 
     char const * const start_;
