@@ -370,6 +370,28 @@ TEST_F(CsdfTest, ManySectionsAreReadInTurn) {
     EXPECT_THAT(groupNames(), SizeIs(2000));
 }
 
+TEST_F(CsdfTest, MemoryThatRunsOutLeavesNothingInTheStoreAndNoDataFile) {
+    std::string rows;
+    for (int i = 0; i < 100; ++i) rows += "#C 0 2 1 2\n"; // more than fits a vector without memory of its own
+    std::string const text = Section::withRows(rows).text();
+    bool done = false;
+    int failures = 0;
+    for (std::uint64_t n = 1; !done && n < 100; ++n) {
+        BlockMemory::failAt(n);
+        try {
+            done = openCsdf(text);
+        } catch (MemoryException const &) {
+            ++failures;
+            EXPECT_THAT(groupNames(), IsEmpty());
+            EXPECT_EQ(events.size() % 3, 0u) << "made, marked for deletion, closed";
+        }
+        BlockMemory::failAt(0);
+    }
+    EXPECT_TRUE(done);
+    EXPECT_GT(failures, 0);
+    expectUsable();
+}
+
 // --- while others have their turn
 
 class CsdfYieldTest : public CsdfTest {

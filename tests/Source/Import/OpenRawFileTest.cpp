@@ -5,6 +5,7 @@
 #include "Spice2File.h"
 
 #include <filesystem>
+#include <sys/stat.h>
 
 namespace {
 
@@ -97,6 +98,13 @@ TEST_F(OpenRawFileTest, FileThatDoesNotOpenIsNamed) {
     EXPECT_FALSE(vec_OpenRawFile("/nonexistent/%s", "x", {}, messages_));
     EXPECT_THAT(texts(), ElementsAre("Cannot open data file '/nonexistent/%s'"));
     EXPECT_FALSE(vec_OpenRawFile("/nonexistent", "x", {}, nullptr));
+    messages_->clear();
+    EXPECT_FALSE(vec_OpenRawFile("/tmp", "x", {}, messages_));
+    EXPECT_THAT(texts(), ElementsAre("Cannot open data file '/tmp'"));
+    std::string const pipe = std::string(file_.path()) + ".fifo";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_FALSE(vec_OpenRawFile(pipe, "x", {}, messages_));
+    std::remove(pipe.c_str());
 }
 
 TEST_F(OpenRawFileTest, ValuesStayInMemoryWhereNoFileCanBeMade) {

@@ -217,4 +217,23 @@ TEST_F(PSpiceFlatTest, MemoryIsTakenForWhatIsThere) {
     EXPECT_LE(BlockMemory::bytesInUse() - before, 2 * (1000 * sizeof(double) + BlockMemory::alignment));
 }
 
+TEST_F(PSpiceFlatTest, MemoryThatRunsOutLeavesNothingInTheStore) {
+    PSpiceFlatFile file;
+    file.points.assign(100, {1, 2});
+    file_.rewrite(file.content());
+    Group * const head = groupListHead();
+    bool done = false;
+    for (std::uint64_t n = 1; !done && n < 100; ++n) {
+        BlockMemory::failAt(n);
+        try {
+            done = openPath(file_.path(), DATA_PSPICE);
+        } catch (MemoryException const &) {
+            EXPECT_EQ(groupListHead(), head);
+        }
+        BlockMemory::failAt(0);
+    }
+    EXPECT_TRUE(done);
+    expectUsable();
+}
+
 } // namespace
