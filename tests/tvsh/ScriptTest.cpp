@@ -122,14 +122,17 @@ TEST_F(Script, IsFoundBesideItsCallerAndAlongThePath) {
     EXPECT_EQ(run({"run"}).status, wrongUsage);
 }
 
-TEST_F(Script, ReviewsTheShippedResults) {
+TEST_F(Script, ExamplesPrintWhatStandsBesideThem) {
     std::string const source = TORVELAN_SOURCE_DIR;
     std::filesystem::path const before = std::filesystem::current_path();
     std::filesystem::current_path(source);
-    Outcome const outcome = run({"run", "examples/review/review.tv"});
+    for (std::string const name : {"review", "measures"}) {
+        std::string const place = "examples/" + name + "/";
+        Outcome const outcome = run({"run", place + name + ".tv"});
+        EXPECT_EQ(outcome.status, done) << outcome.err;
+        EXPECT_EQ(outcome.out, contentOf(place + "expected.txt"));
+    }
     std::filesystem::current_path(before);
-    EXPECT_EQ(outcome.status, done) << outcome.err;
-    EXPECT_EQ(outcome.out, contentOf(source + "/examples/review/expected.txt"));
 }
 
 // --- commands
