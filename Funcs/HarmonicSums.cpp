@@ -14,8 +14,8 @@ constexpr std::size_t room = Changes::room;
 constexpr std::size_t together = 2; // points of a lane whose powers are kept in registers
 static_assert(room % (together * laneCount) == 0);
 
-// Harmonics between two fresh starts. A start costs two calls for each point; without it the error of the powers would
-// grow with the number of the harmonic, and their sums would leave the first cache.
+// Harmonics that the lanes add up before their sums leave the first cache. The powers of each stretch start from those
+// of the one before, by one turn for all its harmonics: so the error of a power does not grow with each harmonic.
 constexpr std::size_t stretch = 32;
 
 // Changes as the lanes take them: each lane has points that follow each other. A steep piece means a great change and
@@ -48,6 +48,15 @@ void turnsOf(Turns & out, LaneChanges const & changes, double w) {
     for (std::size_t i = 0; i < changes.count; ++i) angle[i] = w * changes.x[i];
     vectormath::cos(out.re, angle, changes.count);
     vectormath::sin(out.im, angle, changes.count);
+}
+
+// From the first harmonic of a stretch to that of the next.
+TORVELAN_MULTIVERSION void turnAll(Turns & start, Turns const & by, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        double const re = start.re[i] * by.re[i] - start.im[i] * by.im[i];
+        start.im[i] = start.re[i] * by.im[i] + start.im[i] * by.re[i];
+        start.re[i] = re;
+    }
 }
 
 struct LaneSums {
@@ -106,12 +115,14 @@ double total(Lanes const & lanes) noexcept {
 
 void addHarmonicSums(HarmonicSums * sums, std::size_t count, Changes const & changes, double first, double w0) {
     LaneChanges points;
-    Turns start, step;
+    Turns start, step, whole;
     distribute(points, changes);
+    turnsOf(start, points, first * w0);
     turnsOf(step, points, w0);
+    if (count > stretch) turnsOf(whole, points, static_cast<double>(stretch) * w0);
     for (std::size_t k = 0; k < count; k += stretch) {
         std::size_t const harmonics = std::min(stretch, count - k);
-        turnsOf(start, points, (first + static_cast<double>(k)) * w0);
+        if (k > 0) turnAll(start, whole, points.count);
         LaneSums lanes[stretch] = {};
         (changes.curved ? addCurved : addStraight)(lanes, harmonics, start, step, points);
         for (std::size_t h = 0; h < harmonics; ++h) {
