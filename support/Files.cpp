@@ -1,6 +1,7 @@
 #include "support/Files.h"
 
 #include "support/OpenForReading.h"
+#include "support/Paths.h"
 #include "support/Streams.h"
 
 #include <cerrno>
@@ -31,18 +32,12 @@ int readError(YString const & path) {
     return 0;
 }
 
-YString directoryOf(YString const & path) {
-    std::size_t const slash = path.view().rfind('/');
-    if (slash == std::string_view::npos) return ".";
-    return YString(path.view().substr(0, slash == 0 ? 1 : slash));
-}
-
 // Asks without touching the file: a new one can be made where its directory can be written.
 int writeError(YString const & path) {
     struct stat status {};
     if (holdsNul(path)) return ENOENT;
     if (stat(path.c_str(), &status) != 0)
-        return errno == ENOENT && access(directoryOf(path).c_str(), W_OK | X_OK) == 0 ? 0 : errno;
+        return errno == ENOENT && access(sp_GetDirFromPath(path).c_str(), W_OK | X_OK) == 0 ? 0 : errno;
     if (isDirectory(status)) return EISDIR;
     return access(path.c_str(), W_OK) == 0 ? 0 : errno;
 }

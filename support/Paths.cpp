@@ -46,7 +46,56 @@ std::optional<std::string> expandedName(std::string_view name) {
     return std::nullopt;
 }
 
+fs::path pathOf(YString const & path) {
+    return std::string(path.view());
+}
+
+// Without links, as far as it exists.
+fs::path realPath(YString const & path) {
+    std::error_code problem;
+    fs::path const real = fs::weakly_canonical(fs::absolute(pathOf(path), problem), problem);
+    return problem ? pathOf(path).lexically_normal() : real;
+}
+
 } // namespace
+
+YString sp_GetFullPath(YString const & path) {
+    std::error_code problem;
+    fs::path const full = fs::absolute(pathOf(path), problem);
+    return problem || path.empty() ? path : YString(full.lexically_normal().string());
+}
+
+YString sp_GetDirFromPath(YString const & path) {
+    std::size_t const slash = path.view().rfind('/');
+    if (slash == std::string_view::npos) return ".";
+    return YString(path.view().substr(0, slash == 0 ? 1 : slash));
+}
+
+bool sp_IsRelativePath(YString const & path) noexcept {
+    return !path.view().starts_with('/');
+}
+
+YString sp_RelativePath(YString const & path, YString const & directory) {
+    fs::path const to = realPath(path);
+    fs::path const way = to.lexically_relative(realPath(directory));
+    return YString((way.empty() ? to : way).string());
+}
+
+YString sp_FollowLinks(YString const & path) {
+    constexpr int mostLinks = 40;
+    fs::path at = pathOf(path);
+    std::error_code problem;
+    for (int followed = 0; followed < mostLinks && fs::is_symlink(at, problem); ++followed) {
+        fs::path const target = fs::read_symlink(at, problem);
+        if (problem) break;
+        at = target.is_absolute() ? target : at.parent_path() / target;
+    }
+    return YString(at.string());
+}
+
+YString sp_ConvertUnixToLocal(YString const & path) {
+    return path;
+}
 
 YString sp_GetTempPath() {
     static std::string fresh; // stays what it is once it had to be made
@@ -84,6 +133,11 @@ PathName sp_SplitPath(YString const & path) {
     parts.name = cut(rest.rfind('.'));
     parts.extension = YString(rest);
     return parts;
+}
+
+bool sp_ExistPath(YString const & path) {
+    struct stat status {};
+    return !holdsNul(path) && lstat(path.c_str(), &status) == 0;
 }
 
 bool sp_ExistDir(YString const & path) {

@@ -19,6 +19,16 @@ struct PathName {
 };
 PathName sp_SplitPath(YString const & path);
 
+YString sp_GetFullPath(YString const & path);    // from the root, without "." and ".."; need not exist
+YString sp_GetDirFromPath(YString const & path); // "." for a name alone, without a slash at its end but for "/"
+bool sp_IsRelativePath(YString const & path) noexcept;
+// The way from a directory to a file, links on both ways followed as far as they exist; absolute when there is none.
+YString sp_RelativePath(YString const & path, YString const & directory);
+// What a path stands for, symbolic links followed, also when it is not there yet.
+YString sp_FollowLinks(YString const & path);
+YString sp_ConvertUnixToLocal(YString const & path); // with the separators of this system
+
+bool sp_ExistPath(YString const & path); // a file, a directory or anything else
 bool sp_ExistDir(YString const & path);
 bool sp_MakeTree(YString const & path); // with all folders above it; new ones are for this user alone
 // Whether files can be made in it.

@@ -17,6 +17,8 @@ public:
         texts.clear();
     }
 
+    std::string last() const { return texts.empty() ? std::string() : texts.back(); }
+
     std::vector<MessageLevel> levels;
     std::vector<std::string> texts;
 };

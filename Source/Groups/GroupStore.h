@@ -43,6 +43,10 @@ Group * makeUnlistedGroup(YString const & title);
 void listGroup(Group * group, YString const & baseName);
 void listRestoredGroup(Group * group, YString const & storedName, bool quiet, MessageHandler & messages);
 void discardGroup(Group * group);
+struct DiscardGroup {
+    void operator()(Group * group) const { discardGroup(group); }
+};
+using UnlistedGroup = std::unique_ptr<Group, DiscardGroup>;
 // Destroys a listed group and mends the list and the special pointers.
 void destroyGroup(Group * group);
 void destroyAllGroups(); // but the protected and the local ones, newest first

@@ -1,6 +1,7 @@
 #include "Vectors/NewDataBlock.h"
 
 #include "Vectors/FreeList.h"
+#include "torvelan/SharedBlocks.h"
 
 #include <algorithm>
 
@@ -9,7 +10,15 @@ namespace {
 constexpr std::uint64_t leastGrowth = 1024;
 constexpr std::uint64_t largestSize = PTRDIFF_MAX;
 
+constexpr std::uint64_t leastBytesFromFile = 5;
+
 FreeList<sizeof(NewDataBlock), 4096> freeBlocks;
+
+// What does not come is zeros.
+void readWhole(BlockBacking & from, char * dest, std::uint64_t bytes) {
+    std::uint64_t const done = from.read(dest, bytes, 0);
+    std::memset(dest + done, 0, bytes - done);
+}
 
 } // namespace
 
@@ -23,6 +32,8 @@ void NewDataBlock::operator delete(void * memory) noexcept {
     freeBlocks.give(memory);
 }
 
+BlockBacking::~BlockBacking() = default;
+
 BlockRef NewDataBlock::make() {
     return BlockRef(new NewDataBlock);
 }
@@ -30,12 +41,37 @@ BlockRef NewDataBlock::make() {
 BlockRef NewDataBlock::clone(std::uint64_t bytes) const {
     BlockRef copy = make();
     copy->resize(std::min(bytes, size_));
-    std::memcpy(copy->data, data, copy->size_);
+    if (data != nullptr)
+        std::memcpy(copy->data, data, copy->size_);
+    else
+        readWhole(*backing_, copy->data, copy->size_);
     return copy;
 }
 
 NewDataBlock::~NewDataBlock() {
-    if (!isInline()) BlockMemory::release({data, capacity_});
+    dropMemory();
+}
+
+void NewDataBlock::dropMemory() noexcept {
+    if (data != nullptr && !isInline()) BlockMemory::release({data, capacity_});
+    data = nullptr;
+    capacity_ = 0;
+}
+
+char * NewDataBlock::readIn() {
+    BlockMemory::Piece const piece = BlockMemory::allocate(std::max<std::uint64_t>(size_, sizeof(std::int32_t)));
+    readWhole(*backing_, piece.data, size_);
+    data = piece.data;
+    capacity_ = piece.bytes;
+    return data;
+}
+
+void NewDataBlock::addData(void const * source, std::uint64_t bytes) {
+    if (backing_ != nullptr && !backing_->isWritten()) prepareChange();
+    if (data != nullptr) makeRoom(bytes);
+    if (backing_ != nullptr) backing_->append(source, bytes);
+    if (data != nullptr && bytes != 0) std::memcpy(data + size_, source, bytes);
+    size_ += bytes;
 }
 
 void NewDataBlock::growFor(std::uint64_t bytes) {
@@ -56,27 +92,106 @@ void NewDataBlock::setCapacity(std::uint64_t bytes) {
     capacity_ = piece.bytes;
 }
 
-std::uint64_t NewDataBlock::read(void * dest, std::uint64_t bytes, std::uint64_t offset) const noexcept {
+std::uint64_t NewDataBlock::read(void * dest, std::uint64_t bytes, std::uint64_t offset) const {
     if (offset > size_ || bytes > size_ - offset) return 0;
+    if (data == nullptr) return bytes >= leastBytesFromFile ? backing_->read(dest, bytes, offset) : 0;
     if (bytes) std::memcpy(dest, data + offset, bytes);
     return bytes;
 }
 
+void NewDataBlock::prepareChange() {
+    if (backing_ == nullptr) return;
+    realise();
+    if (backing_->isWritten())
+        changed_ = true;
+    else
+        backing_.reset();
+}
+
 void NewDataBlock::resize(std::uint64_t bytes) {
+    prepareChange();
     reserve(bytes);
     size_ = bytes;
 }
 
 void NewDataBlock::reserve(std::uint64_t bytes) {
+    realise();
     if (bytes > capacity_) setCapacity(bytes);
 }
 
 void NewDataBlock::shrink() {
-    if (isInline()) return;
+    if (isWritten()) backing_->flush();
+    if (data == nullptr || isInline()) return;
     if (size_ > inlineBytes) return setCapacity(size_);
     BlockMemory::Piece old{data, capacity_};
     std::memcpy(inlineData, data, size_);
     data = inlineData;
     capacity_ = inlineBytes;
     BlockMemory::release(old);
+}
+
+// --- files
+
+void NewDataBlock::attach(std::unique_ptr<BlockBacking> backing) {
+    dropMemory();
+    size_ = backing->length();
+    backing_ = std::move(backing);
+    changed_ = false;
+}
+
+void NewDataBlock::moveTo(std::unique_ptr<BlockBacking> backing) {
+    if (size_ != 0) backing->append(realise(), size_);
+    backing_ = std::move(backing);
+    changed_ = false;
+}
+
+void NewDataBlock::detach() {
+    realise();
+    backing_.reset();
+}
+
+void NewDataBlock::free() noexcept {
+    if (backing_ != nullptr && !changed_) dropMemory();
+}
+
+bool NewDataBlock::addSharedBlock(SharedBlockManager * blocks, int block, std::uint64_t bytes) {
+    if (bytes > largestSize - size_) throwVectorAllocationFailed();
+    std::uint64_t const there = blocks != nullptr ? std::min(bytes, blocks->getBlockSize()) : 0;
+    bool taken = false;
+    if (data == nullptr && isWritten()) {
+        taken = there != 0 && backing_->appendShared(*blocks, block, there);
+        if (taken) size_ += there;
+    } else if (there != 0) {
+        if (hasBacking() && !isWritten()) prepareChange();
+        makeRoom(there);
+        taken = blocks->read(block, data + size_, there) == SHARED_BLOCK_OK;
+        if (taken && hasBacking()) backing_->append(data + size_, there);
+        if (taken) blocks->free(block);
+        if (taken) size_ += there;
+    }
+    appendZeros(taken ? bytes - there : bytes);
+    return taken;
+}
+
+// Memory for all of them is asked for first: a number that no machine can hold ends there.
+void NewDataBlock::appendZeros(std::uint64_t bytes) {
+    if (bytes == 0) return;
+    BlockMemory::Piece const zeros = BlockMemory::allocate(bytes);
+    std::memset(zeros.data, 0, bytes);
+    try {
+        addData(zeros.data, bytes);
+    } catch (...) {
+        BlockMemory::release(zeros);
+        throw;
+    }
+    BlockMemory::release(zeros);
+}
+
+// The memory, if there is any, would lack what comes by reference.
+bool NewDataBlock::splice(int link, NewDataBlock const & other) {
+    bool const canBe = backing_ != nullptr && other.backing_ != nullptr && !changed_ && !other.changed_;
+    if (!canBe || !backing_->splice(link, *other.backing_)) return false;
+    size_ += other.size_;
+    free();
+    return true;
 }

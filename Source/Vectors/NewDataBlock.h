@@ -1,13 +1,16 @@
 // NewDataBlock: the bytes of one array, the values of a vector or the table of its divisions. Owned through a count.
 //
-// A few bytes lie in the block itself, so that a scalar needs no memory of its own. All content lies in memory; `data`
-// is null only when nothing has been put in.
+// A few bytes lie in the block itself, so that a scalar needs no memory of its own. A block with a backing has its
+// bytes in a file, and in memory only from the moment that somebody asks for them. While a run writes them, its block
+// is one append to the file; a memory copy that is there follows.
 #pragma once
 
+#include "Vectors/BlockBacking.h"
 #include "Vectors/BlockMemory.h"
 
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <utility>
 
 class BlockRef;
@@ -30,34 +33,59 @@ public:
 
     std::uint64_t size() const noexcept { return size_; }
     std::uint64_t capacity() const noexcept { return capacity_; }
-    char * realise() noexcept { return data; } // the bytes, in memory
+    // The bytes, in memory. Reads them in if need be; what the file has lost is zeros. Throws MemoryException.
+    char * realise() { return data != nullptr ? data : readIn(); }
+    bool isRealised() const noexcept { return data != nullptr; }
 
-    // Appends bytes, which must not lie in this block. Throws MemoryException, and the block is as it was.
-    void addData(void const * source, std::uint64_t bytes) {
-        makeRoom(bytes);
-        if (bytes) std::memcpy(data + size_, source, bytes);
-        size_ += bytes;
-    }
+    // Appends bytes, which must not lie in this block. Throws MemoryException or, when the file does not take them,
+    // FatalException; the block is as it was.
+    void addData(void const * source, std::uint64_t bytes);
     template <class T> void append(T const & value) {
-        makeRoom(sizeof(T));
-        appendWithin(value);
+        if (!tryAppend(value)) addData(&value, sizeof(T));
     }
-    // Appends where there is room already.
-    template <class T> void appendWithin(T const & value) noexcept {
+    // Appends where that is a matter of a moment.
+    template <class T> bool tryAppend(T const & value) noexcept {
+        if (backing_ != nullptr) {
+            if (data != nullptr || !backing_->take(&value, sizeof(T))) return false;
+            size_ += sizeof(T);
+            return true;
+        }
+        if (sizeof(T) > capacity_ - size_) return false;
         std::memcpy(data + size_, &value, sizeof(T));
         size_ += sizeof(T);
+        return true;
     }
-    // Room for so many bytes more, with some to spare when there was not.
+    // Room in memory for so many bytes more, with some to spare when there was not.
     void makeRoom(std::uint64_t bytes) {
+        realise();
         if (bytes > capacity_ - size_) growFor(bytes);
     }
 
-    // Copies from the block; the answer is the number of bytes copied, 0 when the block ends before `offset + bytes`.
-    std::uint64_t read(void * dest, std::uint64_t bytes, std::uint64_t offset) const noexcept;
+    // Copies from the block without bringing it into memory; the answer is the number of bytes copied: 0 when the block
+    // ends before `offset + bytes`, or for less than 5 bytes that are not in memory.
+    std::uint64_t read(void * dest, std::uint64_t bytes, std::uint64_t offset) const;
     // Sets the size. Bytes beyond the old one are not cleared; the room becomes exactly what is needed.
     void resize(std::uint64_t bytes);
     void reserve(std::uint64_t bytes); // room for so many bytes in all
-    void shrink();                     // fits the memory to the size
+    void shrink();                     // fits the memory to the size, and a file that is written gets what waits
+    // The bytes in memory are about to change otherwise than by appending. A file that is not written is let go.
+    void prepareChange();
+
+    // --- files
+    bool hasBacking() const noexcept { return backing_ != nullptr; }
+    bool isWritten() const noexcept { return backing_ != nullptr && backing_->isWritten(); }
+    // Takes the contents of a backing in place of its own, which are none.
+    void attach(std::unique_ptr<BlockBacking> backing);
+    // Puts its contents into an empty backing that is written, and goes on there, with a copy in memory as long as it
+    // is not freed. Throws FatalException.
+    void moveTo(std::unique_ptr<BlockBacking> backing);
+    void detach();        // from the backing; the contents are in memory
+    void free() noexcept; // gives the memory back, where the file has all that is in it
+    // Appends a block of shared memory, which is given back: straight to the file, where nothing is in memory. The
+    // block grows by `bytes`, of which those that are refused are zeros. False when it was refused.
+    bool addSharedBlock(SharedBlockManager * blocks, int block, std::uint64_t bytes);
+    // Goes on with the bytes of a block in a linked file, by reference. False when that cannot be.
+    bool splice(int link, NewDataBlock const & other);
 
     static void * operator new(std::size_t size);
     static void operator delete(void * memory) noexcept;
@@ -69,11 +97,16 @@ private:
     bool isInline() const noexcept { return data == inlineData; }
     void growFor(std::uint64_t bytes);
     void setCapacity(std::uint64_t bytes);
+    char * readIn();
+    void dropMemory() noexcept;
+    void appendZeros(std::uint64_t bytes);
 
-    char * data = inlineData;
+    char * data = inlineData; // null while the bytes are in the backing only
     std::uint64_t capacity_ = inlineBytes;
     std::uint64_t size_ = 0;
+    std::unique_ptr<BlockBacking> backing_;
     std::uint32_t count = 0; // of BlockRefs
+    bool changed_ = false;   // the memory holds what the backing does not
     alignas(16) char inlineData[inlineBytes];
 };
 

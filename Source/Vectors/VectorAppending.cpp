@@ -115,7 +115,8 @@ VEC_ERROR IfVector::addVals(complex const * values, std::size_t n) {
 void IfVector::expectVals(std::int64_t n) {
     VectorRep * own = appendable();
     bool const isNumeric = own && (own->type == VD_REAL || own->type == VD_COMPLEX);
-    if (!isNumeric || n <= 0) return;
+    bool const goesToFile = own && own->block && own->block->isWritten();
+    if (!isNumeric || goesToFile || n <= 0) return;
     own->ownBlock();
     own->block->reserve(own->bytes() + byteCount(n, own->type));
 }

@@ -51,7 +51,7 @@ void BaseVector::setLabels(std::shared_ptr<NameArray const> labels, bool require
     unique()->setLabels(std::move(labels));
 }
 
-bool BaseVector::acceptsLabels(std::size_t count, bool requireUnique) const noexcept {
+bool BaseVector::acceptsLabels(std::size_t count, bool requireUnique) const {
     bool sharedWithOthers = rep && rep->isShared() && !rep->isUntouched();
     if (requireUnique && sharedWithOthers) return false;
     return firstDivision == 0 && endDivision == -1 && count == static_cast<std::size_t>(numDivisions());

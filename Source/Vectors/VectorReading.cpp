@@ -100,25 +100,25 @@ std::int64_t BaseVector::absolute(std::int64_t division) const noexcept {
 }
 
 // A forced length is never believed beyond what is there: the data may have been cut since.
-std::int64_t BaseVector::shownLength(std::int64_t division) const noexcept {
+std::int64_t BaseVector::shownLength(std::int64_t division) const {
     std::int64_t length = record().divisionLength(division);
     return forcedLength == -1 ? length : std::min(length, forcedLength);
 }
 
-std::int64_t BaseVector::length() const noexcept {
+std::int64_t BaseVector::length() const {
     return shownLength(currentDivision);
 }
 
-std::int64_t BaseVector::length(std::int64_t division) const noexcept {
+std::int64_t BaseVector::length(std::int64_t division) const {
     return shownLength(absolute(division));
 }
 
-std::int64_t BaseVector::numDivisions() const noexcept {
+std::int64_t BaseVector::numDivisions() const {
     std::int64_t end = endDivision != -1 ? endDivision : record().divisions();
     return std::max<std::int64_t>(end - firstDivision, 1);
 }
 
-std::int64_t BaseVector::totalLength() const noexcept {
+std::int64_t BaseVector::totalLength() const {
     VectorRep const & r = record();
     if (forcedLength != -1) return std::min(forcedLength, r.elements());
     if (isWhole()) return r.elements();
@@ -236,7 +236,7 @@ bool BaseVector::sameData(BaseVector const & other) const {
     return sameElements(a, a.divisionStart(currentDivision), b, b.divisionStart(other.currentDivision), n);
 }
 
-bool BaseVector::sameDivisions(BaseVector const & other) const noexcept {
+bool BaseVector::sameDivisions(BaseVector const & other) const {
     VectorRep const & a = record();
     VectorRep const & b = other.record();
     std::int64_t n = a.divisions();
@@ -248,7 +248,7 @@ bool BaseVector::sameDivisions(BaseVector const & other) const noexcept {
     return true;
 }
 
-bool BaseVector::everyDivisionHasData() const noexcept {
+bool BaseVector::everyDivisionHasData() const {
     VectorRep const & r = record();
     std::int64_t n = numDivisions();
     if (length(0) == 0 || length(n - 1) == 0) return false;

@@ -38,6 +38,12 @@ void duplicateSlots(char const * const * from, char ** to, std::int64_t n) {
     }
 }
 
+// A block that a file is written with goes on with one holder only: the other one gets a copy of what is there.
+BlockRef sharedBlock(VectorRep const & rep) {
+    bool const isWritten = rep.block && rep.block->isWritten();
+    return isWritten ? rep.block->clone(rep.bytes()) : rep.block;
+}
+
 } // namespace
 
 std::uint64_t byteCount(std::int64_t n, VD_type type) {
@@ -101,7 +107,7 @@ VectorRep * VectorRep::tryMakeOwn() const noexcept {
 }
 
 VectorRep::VectorRep(VectorRep const & other)
-    : range(other.range), block(other.block), divisionRanges(other.divisionRanges), multiple(other.multiple),
+    : range(other.range), block(sharedBlock(other)), divisionRanges(other.divisionRanges), multiple(other.multiple),
       type(other.type), physType(other.physType), divisionIndex(other.divisionIndex), labels(other.labels),
       labelGroup(other.labelGroup) {}
 
@@ -109,13 +115,13 @@ VectorRep::~VectorRep() {
     if (type == VD_STRING) dropContents();
 }
 
-std::int64_t VectorRep::divisionStart(std::int64_t division) const noexcept {
+std::int64_t VectorRep::divisionStart(std::int64_t division) const {
     if (division <= 0) return 0;
     if (division >= divisions()) return elements();
     return elementCount(std::min(divisionIndex.entry(division), bytes()), type);
 }
 
-std::int64_t VectorRep::divisionLength(std::int64_t division) const noexcept {
+std::int64_t VectorRep::divisionLength(std::int64_t division) const {
     std::int64_t n = divisions();
     if (division < 0 || division >= n) return 0;
     if (n == 1) return elements();
@@ -126,6 +132,7 @@ std::int64_t VectorRep::divisionLength(std::int64_t division) const noexcept {
 
 void VectorRep::prepare(std::uint64_t room, std::uint64_t keep, Growth growth) {
     if (!block) block = NewDataBlock::make();
+    if (!block->isShared()) block->prepareChange();
     if (block->isShared())
         block = copiedBlock(*block.get(), std::min(keep, bytes()), room, type == VD_STRING);
     else if (growth == Growth::inSteps && bytes() != 0 && room > bytes())
@@ -168,19 +175,45 @@ void VectorRep::reserve(std::int64_t n, VD_type newType) {
     type = newType;
 }
 
-void VectorRep::appendElements(VectorRep const & from) {
-    std::uint64_t added = from.bytes();
-    if (added == 0) return;
-    ownBlock();
-    block->makeRoom(added);
-    char * behind = block->realise() + bytes();
+void VectorRep::appendElements(VectorRep const & from, int link) {
+    if (from.bytes() == 0) return;
+    if (link != noLink && block && from.block && block->splice(link, *from.block.get())) return invalidateRanges();
     if (from.type == VD_STRING)
-        duplicateSlots(from.element<char *>(0), reinterpret_cast<char **>(behind), from.elements());
+        appendStrings(from);
     else
-        std::memcpy(behind, from.element<char>(0), added);
+        appendNumbers(from);
     type = from.type;
-    block->resize(bytes() + added);
     invalidateRanges();
+}
+
+void VectorRep::appendStrings(VectorRep const & from) {
+    ownBlock();
+    block->makeRoom(from.bytes());
+    char * behind = block->realise() + bytes();
+    duplicateSlots(from.element<char *>(0), reinterpret_cast<char **>(behind), from.elements());
+    block->resize(bytes() + from.bytes());
+}
+
+void VectorRep::appendNumbers(VectorRep const & from) {
+    if (!block || block->isShared()) ownBlock();
+    BlockRef const source = from.block == block ? block->clone(bytes()) : from.block; // may be this
+    block->addData(source->realise(), source->size());
+}
+
+// What was noted of the value goes when the value does not come.
+void VectorRep::appendSlowly(void const * value, std::uint64_t bytes) {
+    try {
+        block->addData(value, bytes);
+    } catch (...) {
+        invalidateRanges();
+        throw;
+    }
+}
+
+bool VectorRep::addSharedBlock(SharedBlockManager * blocks, int id, std::uint64_t bytes) {
+    if (!block || block->isShared()) ownBlock();
+    invalidateRanges();
+    return block->addSharedBlock(blocks, id, bytes);
 }
 
 void VectorRep::clearStrings(std::int64_t from) noexcept {

@@ -51,6 +51,7 @@ struct ValueRange {
 BlockRef copiedBlock(NewDataBlock & from, std::uint64_t keep, std::uint64_t room, bool strings);
 
 struct VectorRep {
+    static constexpr int noLink = -1;
     // The count of the records of untouched vectors: no number of real handles comes near.
     static constexpr std::uint32_t untouchedCount = 0x80000000;
 
@@ -75,13 +76,11 @@ struct VectorRep {
     // --- counting; divisions by absolute index. One that does not exist has length 0.
     std::uint64_t bytes() const noexcept { return block ? block->size() : 0; }
     std::int64_t elements() const noexcept { return elementCount(bytes(), type); }
-    std::int64_t divisions() const noexcept { return divisionIndex.exists() ? divisionIndex.live(bytes()) : 1; }
-    std::int64_t divisionStart(std::int64_t division) const noexcept; // element number; the end for one too far
-    std::int64_t divisionLength(std::int64_t division) const noexcept;
+    std::int64_t divisions() const { return divisionIndex.exists() ? divisionIndex.live(bytes()) : 1; }
+    std::int64_t divisionStart(std::int64_t division) const; // element number; the end for one too far
+    std::int64_t divisionLength(std::int64_t division) const;
     // Address of an element, for a kind that T fits.
-    template <class T> T * element(std::int64_t i) const noexcept {
-        return reinterpret_cast<T *>(block->realise()) + i;
-    }
+    template <class T> T * element(std::int64_t i) const { return reinterpret_cast<T *>(block->realise()) + i; }
 
     // --- writing. The record must be the vector's own; all give it a block of its own first and leave it as it was
     // when they throw.
@@ -96,7 +95,10 @@ struct VectorRep {
     // Appends n values of the vector's kind, which do not lie in its block.
     void append(double const * values, std::size_t n);
     void append(complex const * values, std::size_t n);
-    void appendElements(VectorRep const & from); // of the same kind, or this is empty and takes the kind; may be this
+    // Of the same kind, or this is empty and takes the kind; may be this. With a link, by reference where it can be.
+    void appendElements(VectorRep const & from, int link = noLink);
+    // As the block's.
+    bool addSharedBlock(SharedBlockManager * blocks, int id, std::uint64_t bytes);
     // Frees what there is and takes a block that nobody else holds.
     void replaceContents(BlockRef newBlock, VD_type newType, DivisionTable newDivisions) noexcept;
     void becomeOneDivision() noexcept; // without touching the elements
@@ -144,16 +146,18 @@ private:
     void setElements(std::int64_t n, VD_type newType) noexcept;
     void dropContents() noexcept;
     void noteAppended(std::uint64_t newBytes, double measure);
+    void appendStrings(VectorRep const & from);
+    void appendNumbers(VectorRep const & from);
+    void appendSlowly(void const * value, std::uint64_t bytes);
 };
 
 // Values of a running simulation come in here one by one.
 template <class T> void VectorRep::append(T const & value, double measure) {
     if (!block || block->isShared()) ownBlock();
-    block->makeRoom(sizeof(T));
     if (!divisionRanges.empty()) noteAppended(block->size() + sizeof(T), measure);
     if (block->size() == 0)
         range.set(measure);
     else if (range.isValid())
         range.widen(measure);
-    block->appendWithin(value);
+    if (!block->tryAppend(value)) appendSlowly(&value, sizeof(T));
 }

@@ -3,19 +3,19 @@
 
 #include "Vectors/VectorRep.h"
 
-void BaseVector::setDivision(std::int64_t i) noexcept {
+void BaseVector::setDivision(std::int64_t i) {
     std::int64_t division = absolute(i);
     if (division >= 0 && division < record().divisions()) currentDivision = division;
 }
 
-void BaseVector::selectDivision(std::int64_t i) noexcept {
+void BaseVector::selectDivision(std::int64_t i) {
     if (i < 0 || i >= numDivisions()) return;
     firstDivision += i;
     currentDivision = firstDivision;
     endDivision = firstDivision + 1;
 }
 
-void BaseVector::openDivisionAt(std::int64_t i) noexcept {
+void BaseVector::openDivisionAt(std::int64_t i) {
     if (i < 0 || i >= numDivisions()) return;
     firstDivision += i;
     currentDivision = firstDivision;

@@ -2,6 +2,7 @@
 #include "torvelan/Vectors.h"
 
 #include "Vectors/VectorRep.h"
+#include "torvelan/SharedBlocks.h"
 
 #include <cmath>
 #include <utility>
@@ -38,6 +39,16 @@ DivisionTable joinedDivisions(VectorRep const & to, VectorRep const & from) {
     joined.reserve(added);
     for (std::int64_t i = 1; i < added; ++i) joined.append(to.bytes() + from.divisionIndex.entry(i));
     return joined;
+}
+
+// The same in the table of a file, which only grows: a division that was announced there is filled now.
+void appendDivisions(VectorRep & to, VectorRep const & from) {
+    if (from.bytes() == 0) return;
+    DivisionTable & table = to.divisionIndex;
+    std::int64_t const count = table.count();
+    bool const isAnnounced = count > 0 && table.entry(count - 1) == to.bytes();
+    if (to.bytes() != 0 && !isAnnounced) table.append(to.bytes());
+    for (std::int64_t i = 1, n = from.divisions(); i < n; ++i) table.append(to.bytes() + from.divisionIndex.entry(i));
 }
 
 } // namespace
@@ -101,16 +112,26 @@ bool IfVector::becomeComplex() {
     return true;
 }
 
-void IfVector::appendVector(IfVector const * other, int, NameArray const & labels) {
+void IfVector::appendVector(IfVector const * other, int linkIndex, NameArray const & labels) {
     if (!rep || !other || !other->rep) return;
     VectorRep & own = *appendable();
     VectorRep const & from = *other->rep;
     if (own.bytes() != 0 && own.type != from.type) return;
     auto newLabels = std::make_shared<NameArray const>(labels);
-    DivisionTable joined = joinedDivisions(own, from);
-    own.appendElements(from);
-    own.divisionIndex = std::move(joined);
+    DivisionTable joined;
+    if (own.divisionIndex.isWritten())
+        appendDivisions(own, from);
+    else
+        joined = joinedDivisions(own, from);
+    own.appendElements(from, linkIndex);
+    if (!own.divisionIndex.isWritten()) own.divisionIndex = std::move(joined);
     own.setLabels(std::move(newLabels));
+}
+
+bool IfVector::addSharedBlock(SharedBlockToken pool, int blockId, unsigned long long bytes) {
+    VectorRep * own = appendable();
+    if (!own || (own->type != VD_REAL && own->type != VD_COMPLEX)) return false;
+    return own->addSharedBlock(pool.get().get(), blockId, bytes);
 }
 
 unsigned long long IfVector::getObjectSize() const noexcept {

@@ -1,6 +1,7 @@
 // Import of other simulators' result files.
 #pragma once
 
+#include "torvelan/DataFiles.h"
 #include "torvelan/Export.h"
 #include "torvelan/Messages.h"
 #include "torvelan/YString.h"
@@ -16,17 +17,6 @@ enum DataFileType : int {
     DATA_PSPICE = 5,
     DATA_QUADREL = 6,
     DATA_CANNOT_OPEN = 8,
-};
-
-// How files are opened.
-struct VecOpenGroupOptions {
-    bool assignRunId = false; // a group without a run gets one, so that it goes with old runs
-    bool merge = false;       // no note of a new name, and an existing group of the stored name is replaced
-    bool keepColons = false;  // of the reader of text tables
-    bool reserved = false;
-    bool temporary = false;  // the file goes with the group
-    bool update = false;     // to be continued, and not only read
-    bool ignoreLock = false; // also while another process writes the file
 };
 
 // Reads a file into a new group. True on success, and *groupName (where given) is the group's name; false with a

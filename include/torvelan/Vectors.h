@@ -28,6 +28,7 @@ enum VD_type : unsigned char {
 
 struct VectorRep;
 class NewDataBlock;
+class SharedBlockToken;
 
 // Describes values for a new vector: vec_MakeVector reads name, type and physType.
 struct VectorParam {
@@ -64,14 +65,18 @@ public:
     // Makes a numeric vector complex for everybody who shares its data. Allowed only while there are none: false
     // otherwise, unless it is complex already.
     bool becomeComplex();
+    // Appends the first `bytes` bytes of a block of shared memory, which is given back. A block that is refused (a
+    // number that stands for no pool, or for no block) counts as zeros. True when the bytes were taken.
+    bool addSharedBlock(SharedBlockToken pool, int blockId, unsigned long long bytes);
 
     // Joins the data of `other` behind this vector's data, division entries shifted by the size that this had before;
-    // the labels become `labels`.
+    // the labels become `labels`. With the number of a link between the files of both (-1: none) no bytes move.
     void appendVector(IfVector const * other, int linkIndex, NameArray const & labels);
-    unsigned long long getObjectSize() const noexcept; // bytes of element data
+    unsigned long long getObjectSize() const noexcept; // bytes of element data, in memory or not
     bool isRealised() const noexcept;                  // true when there is a data block
     void setBufferSize(int bytes) noexcept;            // kept for callers; has no effect
-    void shrinkReal();                                 // fits the memory of numeric data to their size
+    // Fits the memory of numeric data to their size; data that a file is written with go to the file.
+    void shrinkReal();
 
 protected:
     explicit IfVector(VectorRep * adopted) noexcept : rep(adopted) {}
@@ -94,17 +99,17 @@ public:
     ~BaseVector() override;
 
     // --- reading; none of these copies or scans
-    std::int64_t length() const noexcept; // of the current division
-    std::int64_t length(std::int64_t division) const noexcept;
-    std::int64_t numDivisions() const noexcept; // at least 1
-    std::int64_t totalLength() const noexcept;
+    std::int64_t length() const; // of the current division
+    std::int64_t length(std::int64_t division) const;
+    std::int64_t numDivisions() const; // at least 1
+    std::int64_t totalLength() const;
     VD_type type() const noexcept;
     PhysType physType() const noexcept;
     bool isMultiple() const noexcept; // the divisions are runs of one parameterised analysis
     bool isReal() const noexcept { return type() == VD_REAL; }
     bool isComplex() const noexcept { return type() == VD_COMPLEX; }
     bool isString() const noexcept { return type() == VD_STRING; }
-    bool noData() const noexcept { return length() == 0; }
+    bool noData() const { return length() == 0; }
     bool isWhole() const noexcept { return firstDivision == 0 && endDivision == -1 && forcedLength == -1; }
 
     // Address of the elements of the current (or the given) division; null when the kind differs or it is empty.
@@ -148,9 +153,9 @@ public:
     // data.
     void const * dataIdentity() const noexcept;
     // The divisions of both whole views start at the same element numbers. O(1) when the tables are one.
-    bool sameDivisions(BaseVector const & other) const noexcept;
+    bool sameDivisions(BaseVector const & other) const;
     // No division shown has length 0.
-    bool everyDivisionHasData() const noexcept;
+    bool everyDivisionHasData() const;
     std::int64_t currentDivisionIndex() const noexcept { return currentDivision - firstDivision; }
 
     // --- writing; each makes the record unique first
@@ -183,9 +188,9 @@ public:
     bool ownsStorageAlone() const noexcept; // takeStorage from this would succeed
 
     // --- the view
-    void setDivision(std::int64_t i) noexcept;
-    void selectDivision(std::int64_t i) noexcept;
-    void openDivisionAt(std::int64_t i) noexcept;
+    void setDivision(std::int64_t i);
+    void selectDivision(std::int64_t i);
+    void openDivisionAt(std::int64_t i);
     bool limitDivisions(std::int64_t n);
     bool limitLength(std::int64_t n);
     void reset();
@@ -196,13 +201,14 @@ protected:
 
 private:
     friend class XYVector;
+    friend struct VectorFileAccess; // of the layer of data files
 
     VectorRep const & record() const noexcept; // that of an untouched vector when there is none
     VectorRep * unique();                      // copy on write
     template <class T> T * writable(VD_type kind);
-    bool acceptsLabels(std::size_t count, bool requireUnique) const noexcept;
-    std::int64_t absolute(std::int64_t division) const noexcept;    // -1 for a negative one
-    std::int64_t shownLength(std::int64_t division) const noexcept; // by absolute index
+    bool acceptsLabels(std::size_t count, bool requireUnique) const;
+    std::int64_t absolute(std::int64_t division) const noexcept; // -1 for a negative one
+    std::int64_t shownLength(std::int64_t division) const;       // by absolute index
     void showAll() noexcept;
 
     std::int64_t forcedLength = -1;   // length reported for every division, when not -1

@@ -1,0 +1,23 @@
+// What the files of this room share.
+#pragma once
+
+#include "Dfs/DfsFile.h"
+#include "Groups/GroupStore.h"
+#include "torvelan/DataFiles.h"
+
+// Why a file does not open, as an error. False.
+bool tellWhyNotOpen(YString const & path, MessageHandler & messages);
+// "Data file '%s' load failed: " and the words, as an error. False.
+bool tellLoadFailed(YString const & path, char const * words, MessageHandler & messages);
+
+constexpr char const * unexpectedWords = "unexpected error, please contact support";
+constexpr char const * notRestoredWords = "could not restore data. File may be corrupted";
+
+// The last steps with a group that has been read from a file and listed: its run, and where it stays.
+void finishRestored(Group * group, YString const & storedName, VecOpenGroupOptions options, YString * groupName);
+
+// Opens a file in the default way. Null when that fails.
+Group * openGroupFile(YString const & path, YRef<MessageHandler> const & messages);
+
+// OpenOlder.cpp: files of the versions before streams.
+bool openOlderFile(YString const & path, VecOpenGroupOptions options, YString * groupName, MessageHandler & messages);

@@ -1,0 +1,167 @@
+// Data files become groups.
+#include "DataFiles/DataFiles.h"
+
+#include "DataFiles/BootRecords.h"
+#include "DataFiles/NativeDataFile.h"
+#include "Dfs/FileHeader.h"
+#include "support/FileLock.h"
+#include "support/Files.h"
+#include "torvelan/Evaluate.h"
+
+#include <cmath>
+#include <new>
+
+namespace {
+
+HeaderResult readVersion(YString const & path, FileVersion const ** version, bool * opened) {
+    auto const file = files().open(path, FileMode::read);
+    *opened = file != nullptr;
+    if (file == nullptr) return HeaderResult::notDataFile;
+    FileHeader header;
+    HeaderResult const result = readFileHeader(*file, &header);
+    *version = header.version;
+    return result;
+}
+
+char const * headerWords(HeaderResult result) noexcept {
+    switch (result) {
+    case HeaderResult::notDataFile: return "file is not a Torvelan data file";
+    case HeaderResult::unknownVersion: return "version not recognised. Possibly created by a later program version";
+    case HeaderResult::refusedVersion: return "file version is a format that is no longer supported";
+    default: return nullptr;
+    }
+}
+
+// A writer holds its file; this asks only.
+bool isBeingWritten(YString const & path) {
+    FileLock lock;
+    return !lock.lock(path);
+}
+
+char const * statusWords(DfsStatus status) noexcept {
+    switch (status) {
+    case DfsStatus::unreadable: return "could not read file header. File may be corrupted";
+    case DfsStatus::linkMissing: return "one or more linked data files are missing or could not be opened";
+    case DfsStatus::clash:
+    case DfsStatus::overlap: return "inconsistent data. File may be corrupted";
+    default: return isUsable(status) ? nullptr : unexpectedWords;
+    }
+}
+
+bool setUp(DfsFile & file, YString const & path, MessageHandler & messages) {
+    DfsStatus const status = file.openOrCreate(true);
+    if (char const * words = statusWords(status)) return tellLoadFailed(path, words, messages);
+    if (status != DfsStatus::good)
+        messages.warning(
+            "Data file '%s' has some missing data. Some vectors may be truncated or missing. This may have "
+            "been caused by an abnormal simulation termination",
+            path);
+    return true;
+}
+
+// Words for a group that has not been restored; null when it has.
+char const * bootWords(BootResult result) noexcept {
+    switch (result) {
+    case BootResult::good:
+    case BootResult::laterRevision: return nullptr;
+    case BootResult::laterVersion: return "file created with a later program version";
+    case BootResult::notRestored: return notRestoredWords;
+    }
+    return unexpectedWords;
+}
+
+bool restore(YRef<DfsFile> const & file, YString const & path, VecOpenGroupOptions options, YString * groupName,
+             MessageHandler & messages) {
+    UnlistedGroup group(makeUnlistedGroup(YString()));
+    group->dataFile = std::make_shared<NativeDataFile>(file);
+    YString storedName;
+    BootResult const result = readBoot(*group, file, options.merge, &storedName, messages);
+    if (char const * words = bootWords(result)) return tellLoadFailed(path, words, messages);
+    if (result == BootResult::laterRevision)
+        messages.warning("Data file '%s': file created with a later program version. Some data may be missing", path);
+    finishRestored(group.release(), storedName, options, groupName);
+    return true;
+}
+
+bool openCurrentFile(YString const & path, VecOpenGroupOptions options, YString * groupName,
+                     MessageHandler & messages) {
+    auto const file = std::make_shared<DfsFile>(path, options.update ? DfsMode::update : DfsMode::read);
+    if (!file->isOpen()) return tellWhyNotOpen(path, messages);
+    return setUp(*file, path, messages) && restore(file, path, options, groupName, messages);
+}
+
+bool openAny(YString const & path, VecOpenGroupOptions options, YString * groupName, MessageHandler & messages) {
+    FileVersion const * version = nullptr;
+    bool opened = false;
+    HeaderResult const header = readVersion(path, &version, &opened);
+    if (!opened) return tellWhyNotOpen(path, messages);
+    if (char const * words = headerWords(header)) return tellLoadFailed(path, words, messages);
+    if (!options.ignoreLock && isBeingWritten(path)) {
+        messages.error("Cannot read data file '%s' as it is currently being updated", path);
+        return false;
+    }
+    auto const open = version->code < streamVersion ? openOlderFile : openCurrentFile;
+    return open(path, options, groupName, messages);
+}
+
+// A number of a run in the vector of that name; 0 when there is none.
+std::uint32_t storedRunId(bool * found) {
+    double value = 0;
+    *found = vec_Evaluate(&value, ":$$RunId", ScpParseContext(nullptr)) == VEC_EVAL_OK;
+    bool const isRunId = std::isfinite(value) && value >= 1 && value <= UINT32_MAX;
+    return *found && isRunId ? static_cast<std::uint32_t>(value) : 0;
+}
+
+void giveRun(Group * group, bool assign) {
+    bool found;
+    std::uint32_t const stored = storedRunId(&found);
+    if (assign) setRunId(group, stored != 0 ? stored : newRunId());
+    if (assign || !found) group->hasRealData = true;
+}
+
+// In place of the group that has the stored name. Answers the one that is left.
+Group * mergeInto(Group * group, YString const & storedName) {
+    Group * const known = group->name == storedName ? nullptr : findGroup(storedName);
+    if (known == nullptr) return group;
+    mergeGroup(*known, *group);
+    destroyGroup(group);
+    return known;
+}
+
+} // namespace
+
+bool tellWhyNotOpen(YString const & path, MessageHandler & messages) {
+    YString reason;
+    if (sp_FileOpenForensicMsg(path, 0, &reason))
+        messages.error("%s", reason);
+    else
+        messages.error("Cannot read data file '%s' as it is currently being updated", path);
+    return false;
+}
+
+bool tellLoadFailed(YString const & path, char const * words, MessageHandler & messages) {
+    messages.error("Data file '%s' load failed: %s", path, words);
+    return false;
+}
+
+void finishRestored(Group * group, YString const & storedName, VecOpenGroupOptions options, YString * groupName) {
+    group->keepDataFile = !options.temporary;
+    group->dataFileTemporary = options.temporary;
+    giveRun(group, options.assignRunId);
+    if (options.merge) group = mergeInto(group, storedName);
+    if (groupName != nullptr) *groupName = group->name;
+}
+
+bool vec_OpenGroup(YString const & path, VecOpenGroupOptions options, YString * groupName,
+                   YRef<MessageHandler> messages) {
+    if (messages == nullptr) messages = std::make_shared<NullMessageHandler>();
+    try {
+        return openAny(path, options, groupName, *messages);
+    } catch (std::bad_alloc const &) {
+        throw MemoryException("Vector allocation failed");
+    }
+}
+
+Group * openGroupFile(YString const & path, YRef<MessageHandler> const & messages) {
+    return vec_OpenGroup(path, VecOpenGroupOptions(), nullptr, messages) ? nameSpace().current : nullptr;
+}

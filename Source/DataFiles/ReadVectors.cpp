@@ -1,0 +1,157 @@
+#include "DataFiles/ReadVectors.h"
+
+#include "DataFiles/BootRecords.h"
+#include "DataFiles/StreamBacking.h"
+#include "DataFiles/VectorFileAccess.h"
+#include "Dfs/StreamReader.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <unordered_map>
+
+namespace {
+
+constexpr std::uint64_t leastVectorBytes = 47; // of a vector in the directory
+
+struct ReleaseRecord {
+    void operator()(VectorRep * rep) const noexcept { rep->release(); }
+};
+using RecordHolder = std::unique_ptr<VectorRep, ReleaseRecord>;
+
+class VectorReader {
+public:
+    VectorReader(Group & group_, YRef<DfsFile> const & file_, std::int64_t stream, StreamClaims & claims_)
+        : group(group_), file(file_), reader(*file_, stream), claims(claims_) {}
+
+    bool readAll() {
+        std::int32_t count;
+        if (!reader.readNumber(&count) || count < 0) return false;
+        if (static_cast<std::uint64_t>(count) > reader.left() / leastVectorBytes) return false;
+        for (; count > 0; --count)
+            if (!readVector()) return false;
+        return true;
+    }
+
+private:
+    bool readVector() {
+        YString tag;
+        std::int32_t flags;
+        if (!reader.readString(&tag) || tag.view() != vectorTag || !reader.readNumber(&flags)) return false;
+        auto vector = std::make_unique<dvec>(YString(), &group, PT_UNKNOWN);
+        std::uint8_t hasReference;
+        if (!readNamed(*vector) || !reader.readNumber(&hasReference)) return false;
+        if (hasReference != 0 && !readNamed(vector->ref)) return false;
+        if (group.vectors.contains(vector->name())) return false;
+        finishRestoredVector(*vector, static_cast<std::uint16_t>(flags));
+        vector.release()->enterGroup();
+        return true;
+    }
+
+    bool readNamed(NamedVector & vector) {
+        YString name;
+        std::uint16_t physType;
+        std::uint64_t dataId;
+        if (!reader.readString(&name) || !reader.readNumber(&physType) || !reader.readNumber(&dataId)) return false;
+        auto const [known, isNew] = records.try_emplace(dataId, nullptr);
+        if (isNew && !readValues(known->second)) return false;
+        if (known->second == nullptr) return false;
+        VectorFileAccess::View view;
+        if (!reader.readNumber(&view.firstDivision) || !reader.readNumber(&view.endDivision)) return false;
+        vector.setName(name);
+        VectorFileAccess::adopt(vector, *known->second);
+        if (isNew)
+            known->second->physType = restoredPhysType(physType);
+        else
+            vector.setPhysType(restoredPhysType(physType));
+        VectorFileAccess::setView(vector, view);
+        return true;
+    }
+
+    bool readValues(RecordHolder & record) {
+        std::int64_t data, divisions, count;
+        std::int32_t type;
+        if (!reader.readNumber(&data) || !reader.readNumber(&divisions) || !reader.readNumber(&type) ||
+            !reader.readNumber(&count))
+            return false;
+        record.reset(VectorRep::make());
+        if (type == VD_STRING) return readStrings(*record, count);
+        std::uint8_t multiple;
+        if ((type != VD_REAL && type != VD_COMPLEX) || !reader.readNumber(&multiple)) return false;
+        if (!claims.claim(*file, data) || !claims.claim(*file, divisions)) return false;
+        record->type = static_cast<VD_type>(type);
+        record->multiple = multiple != 0;
+        attachStreams(*record, data, divisions);
+        return true;
+    }
+
+    // Strings are in the directory itself, each with its length.
+    bool readStrings(VectorRep & record, std::int64_t count) {
+        if (count < 0 || static_cast<std::uint64_t>(count) > reader.left() / sizeof(std::int32_t)) return false;
+        record.resize(count, VD_STRING);
+        for (std::int64_t i = 0; i < count; ++i) {
+            YString text;
+            if (!reader.readString(&text)) return false;
+            *record.element<char *>(i) = duplicateString(text.c_str());
+        }
+        return true;
+    }
+
+    void attachStreams(VectorRep & record, std::int64_t data, std::int64_t divisions) {
+        record.block = NewDataBlock::make();
+        record.block->attach(std::make_unique<StreamBacking>(file, data));
+        bool const hasDivisions = file->isWritable() || file->length(divisions) != 0;
+        if (hasDivisions)
+            record.divisionIndex.attach(std::make_unique<StreamBacking>(file, divisions), elementWidth(record.type),
+                                        file->path());
+        bool const isLabelled = record.divisionIndex.storedCount() == static_cast<std::int64_t>(group.labels->size());
+        if (isLabelled && !group.labels->empty()) record.setLabels(group.labels);
+    }
+
+    Group & group;
+    YRef<DfsFile> const & file;
+    StreamReader reader;
+    StreamClaims & claims;
+    std::unordered_map<std::uint64_t, RecordHolder> records; // by dataId
+};
+
+std::int64_t commonDivisions(BaseVector const & a, BaseVector const & b) {
+    std::int64_t const n = std::min(a.numDivisions(), b.numDivisions());
+    std::int64_t i = 0;
+    while (i < n && a.length(i) == b.length(i)) ++i;
+    return i;
+}
+
+// Where a vector and its reference are not equally long, because the run was cut off, both show what both have.
+void showCommonPart(XYVector & vector) {
+    NamedVector & reference = vector.ref;
+    bool const isCountable = !vector.isString() && !reference.isString();
+    if (!isCountable || vector.totalLength() == reference.totalLength()) return;
+    if (vector.numDivisions() == 1 && reference.numDivisions() == 1) {
+        std::int64_t const n = std::min(vector.length(), reference.length());
+        vector.limitLength(n);
+        reference.limitLength(n);
+        return;
+    }
+    std::int64_t const n = commonDivisions(vector, reference);
+    vector.limitDivisions(n);
+    reference.limitDivisions(n);
+}
+
+} // namespace
+
+void finishRestoredVector(dvec & vector, std::uint16_t flags) {
+    constexpr std::uint16_t ofAliases = VF_ALIAS | VF_REFALIAS;
+    vector.flags = static_cast<std::uint16_t>(flags & (VF_READONLY | (vector.isString() ? ofAliases : 0)));
+    if (vector.ref.name().empty()) return;
+    vector.owner()->hasRealData = true;
+    showCommonPart(vector);
+}
+
+PhysType restoredPhysType(std::uint16_t stored) noexcept {
+    return stored <= PT_LITERAL ? static_cast<PhysType>(stored) : PT_UNKNOWN;
+}
+
+bool readVectors(Group & group, YRef<DfsFile> const & file, std::int64_t stream, StreamClaims & claims) {
+    return VectorReader(group, file, stream, claims).readAll();
+}

@@ -1,0 +1,26 @@
+// The vector directory of a data file.
+#pragma once
+
+#include "Dfs/DfsFile.h"
+#include "Groups/Group.h"
+
+#include <unordered_set>
+
+// The streams that something of the file is read from. A stream is one thing only.
+class StreamClaims {
+public:
+    bool claim(DfsFile const & file, std::int64_t id) {
+        return id > DfsFile::settingsStream && id != DfsFile::firstBootStream && file.exists(id) &&
+               taken.insert(id).second;
+    }
+
+private:
+    std::unordered_set<std::int64_t> taken;
+};
+
+// Enters the vectors in the group, whose labels are there already. Their values stay in the file. False when the
+// directory is damaged.
+bool readVectors(Group & group, YRef<DfsFile> const & file, std::int64_t stream, StreamClaims & claims);
+// The last steps with a vector that has all its fields; `flags` are those of the file.
+void finishRestoredVector(dvec & vector, std::uint16_t flags);
+PhysType restoredPhysType(std::uint16_t stored) noexcept; // unknown for a number that stands for none

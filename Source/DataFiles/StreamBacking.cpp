@@ -1,0 +1,41 @@
+#include "DataFiles/StreamBacking.h"
+
+#include "torvelan/Exceptions.h"
+
+#include <string>
+
+void throwWriteFailure(YString const & path) {
+    throw FatalException("Write failure to data file " + std::string(path.view()));
+}
+
+std::uint64_t StreamBacking::read(void * dest, std::uint64_t bytes, std::uint64_t offset) {
+    return file_->readAt(stream_, dest, bytes, offset);
+}
+
+// From now on appending needs no look at the file until the writer is full.
+void StreamBacking::findWriter() {
+    if (writer == nullptr) writer = file_->writer(stream_);
+}
+
+void StreamBacking::append(void const * data, std::uint64_t bytes) {
+    if (bytes == 0) return;
+    if (!file_->write(stream_, data, bytes)) throwWriteFailure(file_->path());
+    findWriter();
+}
+
+bool StreamBacking::appendShared(SharedBlockManager & blocks, int block, std::uint64_t bytes) {
+    bool const failedBefore = file_->writeFailed();
+    if (file_->writeSharedBlock(stream_, blocks, block, bytes)) return true;
+    if (file_->writeFailed() && !failedBefore) throwWriteFailure(file_->path());
+    return false;
+}
+
+void StreamBacking::flush() {
+    if (!file_->flush(stream_)) throwWriteFailure(file_->path());
+}
+
+bool StreamBacking::splice(int link, BlockBacking const & other) {
+    auto const * theirs = dynamic_cast<StreamBacking const *>(&other);
+    writer = nullptr;
+    return theirs != nullptr && file_->spliceLinkedStream(stream_, link, theirs->stream_);
+}

@@ -1,0 +1,39 @@
+// ExtentIndex: which directory entry holds an extent. Plain entries stand in a hash table, runs in a map by their first
+// extent; the ranges of ids never overlap.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <vector>
+
+class ExtentIndex {
+public:
+    using Slot = std::int32_t; // place of an entry in the directory
+    static constexpr Slot none = -1;
+
+    Slot findPlain(std::int64_t id) const noexcept;
+    // The run that may hold an extent: the one with the greatest first extent up to it.
+    Slot findRun(std::int64_t id) const noexcept;
+    void insertPlain(std::int64_t id, Slot slot); // which is not there
+    void erasePlain(std::int64_t id) noexcept;    // no-op when it is not there
+    void insertRun(std::int64_t firstId, Slot slot) { runs_.emplace(firstId, slot); }
+    void reserve(std::size_t plainEntries);
+    void clear();
+
+private:
+    struct Place {
+        std::int64_t id = 0; // 0: free
+        Slot slot = none;
+    };
+
+    std::size_t home(std::int64_t id) const noexcept;
+    std::size_t next(std::size_t at) const noexcept { return (at + 1) & (places_.size() - 1); }
+    std::size_t search(std::int64_t id) const noexcept; // where it stands, or would; there are places
+    void resize(std::size_t places);
+
+    std::vector<Place> places_; // none, or a power of two, at most half full
+    unsigned shift_ = 64;       // 64 less its logarithm
+    std::size_t count_ = 0;
+    std::map<std::int64_t, Slot> runs_;
+};
