@@ -86,11 +86,11 @@ function(torvelan_internal_program name)
   torvelan_link_layers(${name} ${ARGN})
 endfunction()
 
-# torvelan_test(<name> <folder> [LAYER layer] [LIBS ...]): the .cpp files of a folder as one GoogleTest program, linked
-# to the objects of the layers up to LAYER (all by default). Each test is a ctest; the whole program is one more, run
-# under a locale with a decimal comma.
+# torvelan_test(<name> <folder> [LAYER layer] [LIBS ...] [PLAIN]): the .cpp files of a folder as one GoogleTest program,
+# linked to the objects of the layers up to LAYER (all by default). Each test is a ctest; unless PLAIN the whole program
+# is one more, run under a locale with a decimal comma.
 function(torvelan_test name folder)
-  cmake_parse_arguments(arg "" "LAYER" "LIBS" ${ARGN})
+  cmake_parse_arguments(arg "PLAIN" "LAYER" "LIBS" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp)
   if(NOT sources)
     return()
@@ -100,7 +100,9 @@ function(torvelan_test name folder)
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE torvelan_test_main ${arg_LIBS})
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 DISCOVERY_MODE PRE_TEST)
-  torvelan_locale_test(${name})
+  if(NOT arg_PLAIN)
+    torvelan_locale_test(${name})
+  endif()
 endfunction()
 
 # The same program again with LC_ALL set to a locale of the tests' own making.

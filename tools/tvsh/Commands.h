@@ -7,6 +7,7 @@
 
 using Arguments = std::vector<std::string>; // those behind the name of the command
 
+int runDump(Arguments const & arguments);
 int runEval(Arguments const & arguments);
 int runFunctions(Arguments const & arguments);
 int runList(Arguments const & arguments);

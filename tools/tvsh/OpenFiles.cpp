@@ -4,8 +4,11 @@
 
 #include "torvelan/ForeignData.h"
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <new>
+#include <unistd.h>
 
 namespace {
 
@@ -88,4 +91,18 @@ bool openFile(std::string const & argument, std::shared_ptr<ConsoleMessages> con
     }
     messages->setSubject("");
     return opened;
+}
+
+bool canWriteFile(std::string const & path, MessageHandler & messages) {
+    std::filesystem::path const file(path);
+    std::error_code problem;
+    auto const status = std::filesystem::status(file, problem);
+    bool const exists = std::filesystem::exists(status);
+    auto const folder = file.has_parent_path() ? file.parent_path() : std::filesystem::path(".");
+    char const * const asked = exists ? file.c_str() : folder.c_str();
+    bool const isFile = !exists || std::filesystem::is_regular_file(status);
+    if (!path.empty() && isFile && access(asked, W_OK) == 0) return true;
+    messages.error("Cannot write file '%s': %s", path.c_str(),
+                   isFile ? std::strerror(errno) : "it is a folder, a device or a pipe");
+    return false;
 }

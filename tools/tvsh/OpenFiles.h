@@ -10,5 +10,8 @@
 // with the name of the file.
 bool openFile(std::string const & argument, std::shared_ptr<ConsoleMessages> const & messages);
 
+// Whether a file can be made or replaced; if not, that has been reported with its name.
+bool canWriteFile(std::string const & path, MessageHandler & messages);
+
 // For help texts.
 extern char const * const fileHelp;

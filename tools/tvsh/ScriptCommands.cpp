@@ -155,6 +155,13 @@ ExitStatus openGroup(Words const & words, std::string_view, Interpreter & interp
     return openFile(words[0], interpreter.sharedConsole()) ? exitDone : exitInput;
 }
 
+// The library says nothing of a path that cannot be written at all, so that is asked ahead.
+ExitStatus saveGroup(Words const & words, std::string_view, Interpreter & interpreter) {
+    if (!canWriteFile(words[0], *interpreter.sharedConsole())) return exitOutput;
+    bool const saved = vec_SaveGroup(YString(words[0]), VecSaveGroupOptions(), interpreter.sharedConsole());
+    return saved ? exitDone : exitOutput;
+}
+
 ExitStatus listGroups(Words const &, std::string_view, Interpreter &) {
     YList<YString> names;
     vec_GetGroups(&names);
@@ -264,6 +271,7 @@ constexpr ScriptCommand commands[] = {
     {"RegisterUserFunction", "NAME SCRIPT [MIN [MAX]]", "makes a script a function of expressions", 2, 4, "",
      registerUserFunction},
     {"Run", "SCRIPT [ARGUMENT...]", "runs a script; '@name' passes a variable by reference", 1, any, "", runCommand},
+    {"SaveGroup", "FILE", "saves the current group as a native data file", 1, 1, "", saveGroup},
     {"Set", "OPTION VALUE", "sets an option", 2, 2, "", setOption},
     {"SetGroup", "GROUP", "makes a group the current one", 1, 1, "", setGroup},
     {"SetReadOnly", "VECTOR", "forbids changes of a vector", 1, 1, "", setReadOnly},
