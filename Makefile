@@ -7,7 +7,7 @@ BENCH_FILTER ?= .
 export CTEST_PARALLEL_LEVEL ?= $(JOBS)
 export FUZZ_SECONDS
 
-.PHONY: help demo build test test-asan test-debug coverage bench fuzz format lint tidy docs install clean
+.PHONY: help demo build test test-asan test-debug coverage bench crashtest fuzz format lint tidy docs install clean
 
 help: ## this list
 	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' $(MAKEFILE_LIST) | while IFS="$$(printf '\t')" read -r t d; do printf '  make %-11s %s\n' "$$t" "$$d"; done
@@ -45,6 +45,11 @@ bench: ## the benchmarks; BENCH_FILTER=regex chooses
 	scripts/install-deps build bench
 	scripts/build bench
 	scripts/bench '$(BENCH_FILTER)'
+
+crashtest: ## kills of real writers, at many moments, and a minute of one writer and four readers
+	scripts/install-deps build test
+	scripts/build release test_crash
+	TORVELAN_KILLS=200 TORVELAN_SOAK=60 build/release/tests/test_crash
 
 fuzz: ## each fuzz target for FUZZ_SECONDS (300)
 	scripts/install-deps build fuzz

@@ -3,6 +3,9 @@
 #include "support/Numbers.h"
 
 #include <chrono>
+#include <functional>
+#include <map>
+#include <string>
 
 namespace {
 
@@ -40,7 +43,27 @@ YString secondsText(double seconds) {
     return YString::joined(sp_ConvertRealToJSEng(seconds, digits, false), {"s"});
 }
 
+// Never destroyed: a data file may close behind the statics of this library.
+std::map<std::string, CommandTimer, std::less<>> & scopeTimers() {
+    static auto & timers = *new std::map<std::string, CommandTimer, std::less<>>;
+    return timers;
+}
+
 } // namespace
+
+TvTimer::TvTimer(char const * name) : timer_(&scopeTimers().try_emplace(name, YString(name)).first->second) {
+    timer_->start();
+}
+
+void TvTimer::endTimer() noexcept {
+    if (timer_ != nullptr) timer_->end();
+    timer_ = nullptr;
+}
+
+CommandTimer const * findTimer(std::string_view name) {
+    auto const known = scopeTimers().find(name);
+    return known != scopeTimers().end() ? &known->second : nullptr;
+}
 
 void CommandTimer::start() noexcept {
     ++calls_;

@@ -4,6 +4,7 @@
 #include "torvelan/YString.h"
 
 #include <cstdint>
+#include <string_view>
 
 class CommandTimer {
 public:
@@ -23,3 +24,18 @@ private:
     std::uint64_t started_ = 0; // of the outermost call
     std::uint32_t depth_ = 0;   // calls under way, since functions may call themselves
 };
+
+// Times its scope under a name; the times of a name add up.
+class TvTimer {
+public:
+    explicit TvTimer(char const * name);
+    ~TvTimer() { endTimer(); }
+    TvTimer(TvTimer const &) = delete;
+    TvTimer & operator=(TvTimer const &) = delete;
+
+    void endTimer() noexcept; // ahead of the end of the scope
+
+private:
+    CommandTimer * timer_;
+};
+CommandTimer const * findTimer(std::string_view name); // of a TvTimer; null before the first one

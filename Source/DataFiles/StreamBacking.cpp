@@ -1,8 +1,17 @@
 #include "DataFiles/StreamBacking.h"
 
 #include "torvelan/Exceptions.h"
+#include "torvelan/Host.h"
 
 #include <string>
+
+namespace {
+
+// Known to settings of hosts; buffers have the size that the file gives them.
+constexpr int defaultBufferSize = 256;
+MakeOption const bufferSize("VectorBufferSize", defaultBufferSize, OptionPersistence::stored, __FILE__, __LINE__);
+
+} // namespace
 
 void throwWriteFailure(YString const & path) {
     throw FatalException("Write failure to data file " + std::string(path.view()));

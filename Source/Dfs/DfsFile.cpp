@@ -7,6 +7,7 @@
 #include "Dfs/VerifyDirectory.h"
 #include "support/FileLock.h"
 #include "support/Paths.h"
+#include "support/Timers.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -160,6 +161,7 @@ bool DfsFile::sync() {
 }
 
 bool DfsFile::update() {
+    TvTimer const timer("update");
     return isWritable() && writeChangedSlots() && flushDirectory();
 }
 

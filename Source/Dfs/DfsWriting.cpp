@@ -1,6 +1,7 @@
 // The open ends of streams.
 #include "Dfs/DfsFile.h"
 
+#include "support/Timers.h"
 #include "torvelan/SharedBlocks.h"
 
 #include <algorithm>
@@ -161,6 +162,7 @@ bool DfsFile::writeSlots(StreamWriter & writer) {
 }
 
 bool DfsFile::writeSharedBlock(std::int64_t id, SharedBlockManager & blocks, int block, std::uint64_t bytes) {
+    TvTimer const timer("writeSharedBlock");
     StreamWriter * const to = writer(id);
     char const * const from = blocks.address(block);
     bool const isAcceptable = to != nullptr && to->type == StreamType::bytes && from != nullptr && bytes > 0;

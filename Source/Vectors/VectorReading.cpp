@@ -61,13 +61,13 @@ template <class Part> auto part(VectorRep const & rep, std::int64_t division, st
     return found.value;
 }
 
-template <class T> T const * address(VectorRep const & rep, VD_type kind, std::int64_t division) noexcept {
+template <class T> T const * address(VectorRep const & rep, VD_type kind, std::int64_t division) {
     if (rep.type != kind || rep.divisionLength(division) == 0) return nullptr;
     return rep.element<T const>(rep.divisionStart(division));
 }
 
 template <class T>
-bool readBlock(VectorRep const & rep, VD_type kind, std::int64_t division, T * dest, std::int64_t count) noexcept {
+bool readBlock(VectorRep const & rep, VD_type kind, std::int64_t division, T * dest, std::int64_t count) {
     std::int64_t length = rep.divisionLength(division);
     if (rep.type != kind || length == 0 || count < 0 || count > length) return false;
     std::uint64_t bytes = static_cast<std::uint64_t>(count) * sizeof(T);

@@ -130,7 +130,7 @@ void BaseVector::truncate(std::int64_t total, std::int64_t divisions) {
 
 bool BaseVector::ownsStorageAlone() const noexcept {
     if (!rep || rep->isShared() || !rep->block) return false;
-    return isWhole() && !isString() && !rep->block->isShared();
+    return isWhole() && !isString() && !rep->block->isShared() && !rep->block->hasBacking();
 }
 
 bool BaseVector::takeStorage(BaseVector & donor, std::int64_t n, VD_type type) {

@@ -59,4 +59,13 @@ TEST(CommandTimer, EqualByNameInAnyCase) {
     EXPECT_FALSE(CommandTimer("Field") == CommandTimer("abs"));
 }
 
+TEST(TvTimer, TheTimesOfANameAddUp) {
+    EXPECT_EQ(findTimer("a scope"), nullptr);
+    for (int i = 0; i < 3; ++i) TvTimer const timer("a scope");
+    TvTimer ended("a scope");
+    ended.endTimer();
+    ended.endTimer();
+    EXPECT_EQ(findTimer("a scope")->calls(), 4U);
+}
+
 } // namespace

@@ -1,6 +1,11 @@
 // Saving a group and opening it again.
 #include "Source/DataFiles/DataFilesFixture.h"
 
+#include "Vectors/BlockMemory.h"
+
+#include <random>
+#include <unistd.h>
+
 namespace {
 
 using OpenSave = DataFilesFixture;
@@ -47,6 +52,191 @@ TEST_F(OpenSave, ASecondOpeningGetsANewNameWithANote) {
     EXPECT_NE(text(second->name), name);
     EXPECT_EQ(words->last(),
               "Note: group name " + name + " already exists.\nChanging name to " + text(second->name) + " \n");
+}
+
+TEST_F(OpenSave, MergingReplacesTheGroupOfTheStoredName) {
+    Group * group = newRun({"a"});
+    addPoint(group, {"a"}, 1);
+    YString const path = folder.path("saved.tvdat");
+    ASSERT_TRUE(save(group, path));
+    YString const name = group->name;
+    addPoint(group, {"a"}, 2);
+    VecOpenGroupOptions options;
+    options.merge = true;
+    YString opened;
+    words->clear();
+    ASSERT_TRUE(vec_OpenGroup(path, options, &opened, words));
+    EXPECT_EQ(text(opened), text(name));
+    EXPECT_EQ(findGroup(name)->find("a")->length(), 1);
+    EXPECT_TRUE(words->texts.empty());
+}
+
+TEST_F(OpenSave, ARunIsKnownByItsNumber) {
+    Group * group = makeGroup("A run", "tran", 12345);
+    YString const path = folder.path("saved.tvdat");
+    ASSERT_TRUE(save(group, path));
+    Group * plain = newRun({});
+    YString const without = folder.path("without.tvdat");
+    ASSERT_TRUE(save(plain, without));
+    VecOpenGroupOptions options;
+    options.assignRunId = true;
+    EXPECT_EQ(open(path, options)->runId, 12345U);
+    EXPECT_GT(open(without, options)->runId, 12345U) << "a fresh one";
+    EXPECT_EQ(open(path)->runId, 0U);
+    Group * noRun = open(without);
+    EXPECT_EQ(noRun->runId, 0U);
+    EXPECT_TRUE(noRun->hasRealData);
+}
+
+TEST_F(OpenSave, ATemporaryFileGoesWithItsGroup) {
+    YString const path = folder.path("saved.tvdat");
+    ASSERT_TRUE(save(newRun({}), path));
+    VecOpenGroupOptions options;
+    options.temporary = true;
+    destroyGroup(open(path, options));
+    EXPECT_EQ(folder.fileCount(), 0U);
+}
+
+TEST_F(OpenSave, APathThatCannotBeWrittenIsNotTold) {
+    Group * group = newRun({});
+    EXPECT_TRUE(save(group, folder.path("no/such/folder.tvdat")));
+    EXPECT_TRUE(words->texts.empty());
+    EXPECT_TRUE(save(group, YString("/dev/null")));
+}
+
+TEST_F(OpenSave, AFileIsSavedOverItself) {
+    Group * group = newRun({"a"});
+    for (int i = 0; i < 10000; ++i) addPoint(group, {"a"}, i);
+    YString const path = folder.path("saved.tvdat");
+    ASSERT_TRUE(save(group, path));
+    destroyGroup(group);
+    for (int n = 0; n < 3; ++n) {
+        Group * back = open(path);
+        ASSERT_NE(back, nullptr);
+        ASSERT_TRUE(save(back, path));
+        EXPECT_EQ(values(*back->find("a")).size(), 10000U) << "the group keeps what it was opened from";
+        destroyGroup(back);
+    }
+    EXPECT_EQ(values(*open(path)->find("a")).back(), 9999);
+    EXPECT_EQ(folder.fileCount(), 1U);
+}
+
+TEST_F(OpenSave, ALinkStaysALinkAndItsTargetIsReplaced) {
+    YString const path = folder.path("saved.tvdat"), link = folder.path("link.tvdat");
+    ASSERT_TRUE(save(newRun({}), path));
+    ASSERT_EQ(symlink("saved.tvdat", link.c_str()), 0);
+    Group * group = newRun({"a"});
+    ASSERT_TRUE(save(group, link));
+    EXPECT_TRUE(std::filesystem::is_symlink(text(link)));
+    EXPECT_NE(open(path)->find("a"), nullptr);
+}
+
+TEST_F(OpenSave, ValuesStayInTheFileUntilTheyAreUsed) {
+    Group * group = newRun({"a"});
+    for (int i = 0; i < 200'000; ++i) addPoint(group, {"a"}, i);
+    YString const path = folder.path("saved.tvdat");
+    ASSERT_TRUE(save(group, path));
+    destroyGroup(group);
+    BlockMemory::resetPeak();
+    std::size_t const before = BlockMemory::bytesInUse();
+    Group * back = open(path);
+    EXPECT_EQ(back->find("a")->length(), 200'000);
+    EXPECT_LT(BlockMemory::peakBytes(), before + 100'000);
+    double part[5];
+    EXPECT_TRUE(back->find("a")->readRealBlock(part, 5, 0));
+    EXPECT_EQ(part[4], 4);
+    EXPECT_LT(BlockMemory::peakBytes(), before + 100'000);
+    EXPECT_EQ(back->find("a")->getReal(199'999), 199'999);
+    EXPECT_GE(BlockMemory::bytesInUse(), before + 1'600'000);
+}
+
+TEST_F(OpenSave, AVectorOfAFileIsWrittenInMemoryOnly) {
+    Group * group = newRun({"a"});
+    addPoint(group, {"a"}, 1);
+    YString const path = folder.path("saved.tvdat");
+    ASSERT_TRUE(save(group, path));
+    destroyGroup(group);
+    std::string const before = bytesOf(path);
+    Group * back = open(path);
+    back->find("a")->addVal(5.0);
+    back->find("a")->writableRealData()[0] = 7;
+    EXPECT_EQ(values(*back->find("a")), (std::vector<double>{7, 5}));
+    destroyGroup(back);
+    EXPECT_EQ(bytesOf(path), before);
+}
+
+TEST_F(OpenSave, VersionsAreKnownByName) {
+    YString name;
+    int code = 0;
+    vec_GetCurrentDataFileVersion(&name, &code);
+    EXPECT_EQ(text(name), "7.1");
+    EXPECT_EQ(code, 71);
+    EXPECT_EQ(vec_GetDataVersionCode("4.5", &code), VEC_OK);
+    EXPECT_EQ(code, 45);
+    EXPECT_EQ(vec_GetDataVersionCode("9.9", &code), VEC_NOT_DONE);
+    EXPECT_EQ(code, 0);
+}
+
+// Random groups come back as they were.
+TEST_F(OpenSave, WhateverIsSavedComesBack) {
+    std::mt19937 random(20);
+    auto const below = [&](unsigned n) { return static_cast<int>(random() % n); };
+    for (int round = 0; round < 60; ++round) {
+        Group * group = newRun({});
+        int const steps = below(4);
+        for (int step = 0; step < steps; ++step)
+            vec_AddGroupDivision(group->name, YString("step;" + std::to_string(step) + ";time"));
+        int const count = below(12);
+        for (int k = 0; k < count; ++k) {
+            auto * vector = new dvec(YString("v" + std::to_string(k)), group, static_cast<PhysType>(below(20)));
+            int const kind = below(4);
+            if (kind == 3) {
+                std::string bytes;
+                for (int i = below(40); i > 0; --i) bytes += static_cast<char>(1 + below(255));
+                vector->setSize(1, VD_STRING);
+                vector->setString(bytes.c_str(), 0);
+                if (below(3) == 0) vector->flags |= VF_ALIAS;
+            } else {
+                if (kind == 2) vector->setSize(0, VD_COMPLEX);
+                for (int step = 0; step < std::max(steps, 1); ++step) {
+                    if (step != 0) vector->addDivision(group->name);
+                    for (int i = 1 + below(8); i > 0; --i)
+                        vector->addVal(complex{double(below(100)), double(below(9))});
+                    for (int i = 1 + below(8); i > 0; --i) vector->addVal(double(below(100)));
+                }
+            }
+            vector->enterGroup();
+            YArray<dvec *> const all = group->vectorsInOrder();
+            dvec * const other = all[static_cast<std::size_t>(below(static_cast<unsigned>(all.size())))];
+            if (below(2) == 0 && other->totalLength() == vector->totalLength() && kind != 3)
+                static_cast<NamedVector &>(vector->ref) = *other;
+        }
+        YString const path = folder.path("random.tvdat");
+        ASSERT_TRUE(save(group, path));
+        Group * back = open(path);
+        ASSERT_NE(back, nullptr) << words->last();
+        ASSERT_EQ(back->vectors.size(), group->vectors.size());
+        EXPECT_EQ(*back->labels, *group->labels);
+        group->forEachVector([&](dvec & was) {
+            dvec & is = *back->find(was.name());
+            EXPECT_EQ(is.type(), was.type());
+            EXPECT_EQ(is.physType(), was.physType());
+            EXPECT_EQ(is.isAlias(), was.isAlias());
+            ASSERT_EQ(is.numDivisions(), was.numDivisions());
+            EXPECT_EQ(is.ref.name(), was.ref.name());
+            for (std::int64_t d = 0; d < was.numDivisions(); ++d) {
+                is.setDivision(d);
+                was.setDivision(d);
+                EXPECT_TRUE(is.sameData(was)) << text(was.name()) << " division " << d;
+                is.setDivision(0);
+                was.setDivision(0);
+            }
+            for (dvec * other : group->vectorsInOrder())
+                EXPECT_EQ(was.ref.sharesRep(*other), is.ref.sharesRep(*back->find(other->name())));
+        });
+        destroyGroup(back);
+        destroyGroup(group);
+    }
 }
 
 } // namespace

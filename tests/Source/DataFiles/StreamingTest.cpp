@@ -1,6 +1,10 @@
 // A run that writes its data file, and those who read it meanwhile.
 #include "Source/DataFiles/DataFilesFixture.h"
 
+#include "torvelan/Exceptions.h"
+#include "torvelan/SharedBlocks.h"
+
+#include <cstring>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -90,6 +94,141 @@ TEST_F(Streaming, AnotherProcessReadsWhileThisOneWrites) {
     int status = -1;
     ASSERT_EQ(waitpid(reader, &status, 0), reader);
     EXPECT_EQ(status, 0);
+}
+
+// --- shared blocks
+
+TEST_F(Streaming, BlocksOfSharedMemoryGoToTheFile) {
+    YString const path = folder.path("run.tvdat");
+    auto const pool = SharedBlockManager::create(4096, 2);
+    ASSERT_NE(pool, nullptr);
+    auto const simulator = SharedBlockManager::open(pool->name());
+    ASSERT_NE(simulator, nullptr);
+    SharedBlockToken const token(pool);
+    Group * run = newRun({"a"});
+    ASSERT_EQ(initialise(run, path), VEC_OK);
+    dvec & a = *run->find("a");
+    a.addVal(-1.0);
+    for (int n = 0; n < 50; ++n) {
+        int const id = simulator->allocate();
+        ASSERT_GE(id, 0) << "blocks are given back";
+        char * memory = nullptr;
+        ASSERT_EQ(simulator->get(&memory, id), SHARED_BLOCK_OK);
+        for (int i = 0; i < 512; ++i) {
+            double const value = n * 512 + i;
+            std::memcpy(memory + i * 8, &value, 8);
+        }
+        ASSERT_TRUE(a.addSharedBlock(token, id, 4096));
+    }
+    EXPECT_EQ(a.totalLength(), 50 * 512 + 1);
+    EXPECT_EQ(a.getReal(50 * 512), 50 * 512 - 1);
+    EXPECT_EQ(a.getRange(false).min, -1);
+    destroyGroup(run);
+    Group * seen = open(path);
+    ASSERT_NE(seen, nullptr);
+    for (int i = 0; i <= 50 * 512; ++i) ASSERT_EQ(seen->find("a")->getReal(i), i - 1);
+}
+
+TEST_F(Streaming, ABlockThatIsRefusedCountsAsZeros) {
+    auto const pool = SharedBlockManager::create(64, 1);
+    SharedBlockToken token(pool);
+    for (bool toFile : {false, true}) {
+        Group * run = newRun({"a"});
+        if (toFile) {
+            ASSERT_EQ(initialise(run, folder.path("run.tvdat")), VEC_OK);
+        }
+        dvec & a = *run->find("a");
+        EXPECT_FALSE(a.addSharedBlock(SharedBlockToken(), 0, 16));
+        EXPECT_FALSE(a.addSharedBlock(token, 7, 16));
+        EXPECT_EQ(values(a), (std::vector<double>{0, 0, 0, 0}));
+        EXPECT_THROW(a.addSharedBlock(token, 0, std::uint64_t{1} << 63), MemoryException);
+        EXPECT_THROW(a.addSharedBlock(token, 7, std::uint64_t{1} << 62), MemoryException);
+        EXPECT_EQ(a.length(), 4);
+        int const id = pool->allocate();
+        EXPECT_TRUE(a.addSharedBlock(token, id, 128)) << "longer than the block";
+        EXPECT_EQ(a.length(), 20);
+        destroyGroup(run);
+    }
+    token.destroy();
+    EXPECT_EQ(token.get(), nullptr);
+}
+
+// A process that takes the memory away must not stop this one.
+TEST_F(Streaming, SharedMemoryThatIsCutIsRefused) {
+    auto const pool = SharedBlockManager::create(1 << 16, 4);
+    SharedBlockToken const token(pool);
+    int const id = pool->allocate();
+    std::string const behind = "/dev/shm" + text(pool->name());
+    ASSERT_EQ(truncate(behind.c_str(), 4096), 0);
+    Group * run = newRun({"a"});
+    EXPECT_FALSE(run->find("a")->addSharedBlock(token, id, 1 << 16));
+    EXPECT_EQ(run->find("a")->length(), 1 << 13);
+    ASSERT_EQ(initialise(run, folder.path("run.tvdat")), VEC_OK);
+    bool refused = false;
+    try {
+        refused = !run->find("time")->addSharedBlock(token, id, 1 << 16);
+    } catch (FatalException const &) {
+        refused = true; // the file cannot tell whose fault it was
+    }
+    EXPECT_TRUE(refused);
+}
+
+// --- continued files
+
+TEST_F(Streaming, AFileIsContinued) {
+    YString const path = folder.path("run.tvdat");
+    Group * run = newRun({"a"});
+    ASSERT_EQ(initialise(run, path), VEC_OK);
+    for (int i = 0; i < 10; ++i) addPoint(run, {"a"}, i);
+    destroyGroup(run);
+    Group * again = open(path, forUpdate());
+    ASSERT_NE(again, nullptr) << words->last();
+    EXPECT_EQ(open(path, forUpdate()), nullptr) << "by one at a time";
+    for (int i = 10; i < 20; ++i) {
+        again->find("time")->addVal(i);
+        again->find("a")->addVal(static_cast<double>(i));
+    }
+    addDivision(again, {"time", "a"}, "next");
+    again->find("time")->addVal(0.0);
+    again->find("a")->addVal(0.0);
+    destroyGroup(again);
+    Group * seen = open(path);
+    ASSERT_NE(seen, nullptr);
+    EXPECT_EQ(seen->find("a")->numDivisions(), 2);
+    EXPECT_EQ(seen->find("a")->length(0), 20);
+}
+
+TEST_F(Streaming, AGroupGoesOnInTheFilesOfOthers) {
+    YString paths[3];
+    for (int f = 0; f < 3; ++f) {
+        Group * run = newRun({"a"});
+        paths[f] = folder.path("part" + std::to_string(f) + ".tvdat");
+        ASSERT_EQ(initialise(run, paths[f]), VEC_OK);
+        vec_AddGroupDivision(run->name, YString("part " + std::to_string(f)));
+        for (int i = 0; i < 5; ++i) addPoint(run, {"a"}, f * 5 + i);
+        destroyGroup(run);
+    }
+    Group * all = open(paths[0], forUpdate());
+    ASSERT_NE(all, nullptr);
+    std::string const name = text(all->name);
+    vec_LinkDatafile(all->name, paths[1]);
+    vec_LinkDatafile(all->name, paths[2]);
+    vec_LinkDatafile(all->name, folder.path("missing.tvdat"));
+    ASSERT_EQ(vec_AppendLinkedDatafiles(YString(name)), VEC_OK);
+    EXPECT_EQ(findGroup(name)->find("a")->numDivisions(), 3);
+    EXPECT_EQ(values(*findGroup(name)->find("a"), 2), (std::vector<double>{10, 11, 12, 13, 14}));
+    destroyGroup(findGroup(name));
+    Group * seen = open(paths[0]);
+    ASSERT_NE(seen, nullptr) << words->last();
+    EXPECT_EQ(seen->find("a")->numDivisions(), 3);
+    EXPECT_EQ(values(*seen->find("a"), 1), (std::vector<double>{5, 6, 7, 8, 9}));
+    EXPECT_EQ(values(seen->find("a")->ref, 2).size(), 5U);
+    EXPECT_EQ(text(seen->find("a")->divisionLabel(1)), "part 1");
+    EXPECT_LT(std::filesystem::file_size(text(paths[0])), 400'000U);
+    unlink(paths[2].c_str());
+    EXPECT_EQ(open(paths[0]), nullptr);
+    EXPECT_EQ(words->last(), "Data file '" + text(paths[0]) +
+                                 "' load failed: one or more linked data files are missing or could not be opened");
 }
 
 } // namespace
