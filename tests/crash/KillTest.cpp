@@ -122,7 +122,10 @@ protected:
         Group * again = open(path, forUpdate());
         ASSERT_NE(again, nullptr) << words->last();
         std::int64_t const had = again->find("a")->totalLength();
-        for (std::int64_t i = had; i < had + 10000; ++i) again->find("a")->addVal(valueOf(0, i));
+        for (std::int64_t i = had; i < had + 10000; ++i) {
+            again->find("a")->addVal(valueOf(0, i));
+            again->find("time")->addVal(static_cast<double>(i));
+        }
         destroyGroup(again);
         Group * whole = open(path);
         ASSERT_NE(whole, nullptr) << words->last();
