@@ -1,8 +1,10 @@
 // PSpice/<layout>/<points>: a PSpice file of eight vectors through vec_OpenForeignDataFile. Limit/read_<layout>:
-// read(2) of the same bytes.
+// read(2) of the same bytes. Limit/widen_flat: the same as a plain loop that widens them into arrays.
 #include "Import.h"
 
 #include <cstdint>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace {
 
@@ -94,6 +96,29 @@ bench::ImportFile const & recordsFile() {
     return made;
 }
 
+// Reads the same bytes and widens them into one plain array a vector.
+void widen(benchmark::State & state) {
+    constexpr std::size_t pointBytes = vectors * sizeof(float), pieceBytes = std::size_t{256} << 10;
+    bench::ImportFile const & file = flatFile();
+    std::vector<std::vector<double>> columns(vectors, std::vector<double>(points));
+    std::vector<float> piece(pieceBytes / sizeof(float));
+    for (auto _ : state) {
+        int const descriptor = open(file.path().c_str(), O_RDONLY);
+        lseek(descriptor, static_cast<off_t>(file.bytes() - points * pointBytes), SEEK_SET);
+        std::size_t done = 0;
+        for (ssize_t n = 0; (n = ::read(descriptor, piece.data(), pieceBytes)) > 0;) {
+            std::size_t const count = static_cast<std::size_t>(n) / pointBytes;
+            for (std::size_t v = 0; v < vectors; ++v)
+                for (std::size_t i = 0; i < count; ++i) columns[v][done + i] = piece[i * vectors + v];
+            done += count;
+        }
+        close(descriptor);
+        bench::check("points", static_cast<double>(done), static_cast<double>(points), 0);
+        benchmark::DoNotOptimize(columns.data());
+    }
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * static_cast<std::int64_t>(file.bytes()));
+}
+
 template <auto file> void read(benchmark::State & state) {
     bench::readFile(state, file(), DATA_PSPICE, "7", points, static_cast<double>(points - 1));
 }
@@ -106,6 +131,7 @@ template <auto file> void limit(benchmark::State & state) {
 
 BENCHMARK(read<flatFile>)->Name("PSpice/flat/1000000")->Unit(benchmark::kMillisecond);
 BENCHMARK(limit<flatFile>)->Name("Limit/read_flat/1000000")->Unit(benchmark::kMillisecond);
+BENCHMARK(widen)->Name("Limit/widen_flat/1000000")->Unit(benchmark::kMillisecond);
 BENCHMARK(read<complexFile>)->Name("PSpice/flat_complex/1000000")->Unit(benchmark::kMillisecond);
 BENCHMARK(limit<complexFile>)->Name("Limit/read_flat_complex/1000000")->Unit(benchmark::kMillisecond);
 BENCHMARK(read<recordsFile>)->Name("PSpice/records/1000000")->Unit(benchmark::kMillisecond);

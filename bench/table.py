@@ -38,7 +38,7 @@ PAIRS = [
     ("Csdf/real/{n}", ["Limit/fast_float_csdf/{n}"]),
     ("Csdf/complex/{n}", ["Limit/fast_float_csdf_complex/{n}"]),
     ("Quadrel/real/{n}", ["Limit/fast_float_quadrel/{n}"]),
-    ("PSpice/flat/{n}", ["Limit/read_flat/{n}"]),
+    ("PSpice/flat/{n}", ["Limit/read_flat/{n}", "Limit/widen_flat/{n}"]),
     ("PSpice/flat_complex/{n}", ["Limit/read_flat_complex/{n}"]),
     ("PSpice/records/{n}", ["Limit/read_records/{n}"]),
     ("Spice2/real/{n}", ["Limit/read_real/{n}"]),

@@ -20,7 +20,7 @@ public:
         if (!readHeader()) return false;
         group_->name = YString::joined("pspice", {YString(nextGroupNumber++)});
         // More than there are, since the header counts as well.
-        mostPoints_ = stream_.getFileSize() / shape_.numVectors / FloatPoints::realBytes;
+        mostPoints_ = stream_.getFileSize() / shape_.numVectors / FloatPoints::bytesOfValue(false);
         if (mostPoints_ < 1) return false;
         shape_.pointsAhead = pointsAhead();
         if (!readPSpiceNames(input_, group_, shape_, vectors_)) return false;
@@ -62,37 +62,18 @@ private:
     // Points for which the rest of the file has room, if each name has a byte at least.
     std::int64_t pointsAhead() const {
         auto const rest = static_cast<std::int64_t>(stream_.getFileSize()) - stream_.tellg();
-        FloatPoints const points({}, shape_.isComplex);
-        auto const pointBytes = static_cast<std::int64_t>(points.valueBytes() * shape_.numVectors);
+        auto const pointBytes =
+            static_cast<std::int64_t>(FloatPoints::bytesOfValue(shape_.isComplex) * shape_.numVectors);
         return std::max<std::int64_t>(rest, 0) / pointBytes;
     }
 
-    // A point that ends within its first value is not there; one that ends later is damage.
+    // A point that ends within its first value is not there; one that ends later is damage. The reference of complex
+    // data is real.
     bool readPoints() {
-        FloatPoints const points(vectors_, shape_.isComplex, is51_ ? 1 : 0);
-        std::size_t const pointsInBlock = std::max<std::size_t>(blockBytes / points.stride(), 1);
-        std::vector<char> block(pointsInBlock * points.stride());
-        for (std::uint64_t left = mostPoints_; left != 0;) {
-            std::size_t const wanted = std::min<std::uint64_t>(pointsInBlock, left) * points.stride();
-            std::size_t const got = stream_.read(block.data(), wanted);
-            std::size_t const rest = got % points.stride();
-            std::size_t const whole = got / points.stride() + (rest >= points.pointBytes() ? 1 : 0);
-            clearReferenceParts(block.data(), whole, points.stride());
-            points.append(block.data(), whole);
-            if (got != wanted) return rest < points.valueBytes() || rest == points.pointBytes();
-            left -= whole;
-        }
-        return true;
+        FloatPoints const points(vectors_, shape_.isComplex, FloatPoints::Reference::real, is51_ ? 1 : 0);
+        FloatPoints::Outcome const outcome = points.read(stream_, mostPoints_);
+        return outcome.complete || outcome.rest < points.valueBytes() || outcome.rest == points.pointBytes();
     }
-
-    // The reference of complex data is real.
-    void clearReferenceParts(char * points, std::size_t count, std::size_t stride) const {
-        if (!shape_.isComplex) return;
-        constexpr std::size_t part = FloatPoints::realBytes;
-        for (std::size_t i = 0; i < count; ++i) std::memset(points + i * stride + part, 0, part);
-    }
-
-    static constexpr std::size_t blockBytes = std::size_t{64} << 10;
 
     tvfstream & stream_;
     BinaryInput input_;

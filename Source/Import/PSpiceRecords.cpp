@@ -132,10 +132,8 @@ private:
 
     // As many as were announced, if the rest of the file can hold them.
     std::int64_t pointsAhead() const {
-        FloatPoints const points({}, header_.shape.isComplex);
-        std::int64_t const others = header_.columns - 1;
-        std::int64_t const pointBytes =
-            static_cast<std::int64_t>(sizeof(double)) + others * static_cast<std::int64_t>(points.valueBytes());
+        auto const valueBytes = static_cast<std::int64_t>(FloatPoints::bytesOfValue(header_.shape.isComplex));
+        std::int64_t const pointBytes = static_cast<std::int64_t>(sizeof(double)) + (header_.columns - 1) * valueBytes;
         return std::min(header_.rows, std::max<std::int64_t>(fileSize_ - stream_.tellg(), 0) / pointBytes);
     }
 
@@ -178,32 +176,18 @@ private:
         sweepRows_ += count;
     }
 
-    // The values of every vector but the first.
+    // The values of every vector but the first. What goes beyond the rows announced is dropped.
     bool readAnalysis(Frame const & frame) {
         if (vectors_.size() < 2) return skipBody(frame.size - frameBytes_);
         if (input_.failed() || frame.size < frameInData) return false;
         std::span<dvec * const> const others = std::span(vectors_).subspan(1);
         FloatPoints const points(others, header_.shape.isComplex);
         auto const stride = static_cast<std::int64_t>(points.stride());
-        std::int64_t left = (frame.size - frameInData) / stride;
-        std::int64_t const pointsInBlock = std::max<std::int64_t>(blockBytes / stride, 1);
-        while (left > 0) {
-            auto const wanted = static_cast<std::size_t>(std::min(left, pointsInBlock) * stride);
-            block_.resize(wanted);
-            if (stream_.read(block_.data(), wanted) != wanted) return false;
-            appendRows(points, std::min(left, pointsInBlock));
-            left -= pointsInBlock;
-        }
-        return true;
-    }
-
-    void appendRows(FloatPoints const & points, std::int64_t count) {
-        std::int64_t const room = std::max<std::int64_t>(header_.rows - analysisRows_, 0);
-        points.append(block_.data(), static_cast<std::size_t>(std::min(count, room)));
+        std::int64_t const count = (frame.size - frameInData) / stride;
+        std::int64_t const kept = std::min(count, std::max<std::int64_t>(header_.rows - analysisRows_, 0));
         analysisRows_ += count;
+        return points.read(stream_, static_cast<std::uint64_t>(kept)).complete && skipBody((count - kept) * stride);
     }
-
-    static constexpr std::int64_t blockBytes = std::int64_t{64} << 10;
 
     tvfstream & stream_;
     BinaryInput input_;
@@ -213,7 +197,6 @@ private:
     RecordsHeader header_;
     YArray<dvec *> vectors_; // in file order; the group owns them
     std::int64_t sweepRows_ = 0, analysisRows_ = 0;
-    std::vector<char> block_;
 };
 
 } // namespace
