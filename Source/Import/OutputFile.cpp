@@ -1,17 +1,16 @@
 #include "Import/OutputFile.h"
 
+#include "Dfs/FileHeader.h"
 #include "Groups/GroupStore.h"
-#include "support/Streams.h"
 
 #include <sys/stat.h>
 
 namespace {
 
 bool isNativeDataFile(YString const & path) {
-    constexpr std::string_view magic("\x11\0\0\0Torvelan datafile", 21);
-    char start[magic.size()];
-    tvfstream stream(path, tvfstream::modeReadUntranslated, false, false);
-    return std::string_view(start, stream.read(start, sizeof start)) == magic;
+    auto const file = files().open(path, FileMode::read);
+    FileHeader header;
+    return file != nullptr && readFileHeader(*file, &header) != HeaderResult::notDataFile;
 }
 
 bool mayWrite(YString const & path, OutputFile::Replaces replaces) {

@@ -1,5 +1,6 @@
 #include "torvelan/ForeignData.h"
 
+#include "Dfs/FileHeader.h"
 #include "OpenRawFixture.h"
 #include "RawFileFixture.h"
 #include "Spice2File.h"
@@ -130,7 +131,7 @@ TEST_F(OpenRawFileTest, NothingIsWrittenThroughALinkNorOverAFileThatNobodyNamed)
     EXPECT_EQ(warned(), 0u);
     std::ofstream(second) << "something else";
     EXPECT_EQ(warned(), 1u);
-    std::ofstream(second) << std::string("\x11\0\0\0", 4) << "Torvelan datafile, and more";
+    std::ofstream(second) << makeFileHeader(latestVersion());
     EXPECT_EQ(warned(), 0u);
     fs::rename(second, folder / "other");
     fs::create_symlink("other", second);
