@@ -51,7 +51,7 @@ template <bool windowed> struct SampleLoad {
         if (at + stripWidth <= strip.count) {
             row = {*looseLanesAt(strip.values + at), *looseLanesAt(strip.values + at + laneCount)};
         } else {
-            alignas(laneBytes) double end[stripWidth];
+            alignas(laneAlignment) double end[stripWidth];
             copyEnd(end, strip, at);
             row = {*lanesAt(end), *lanesAt(end + laneCount)};
         }

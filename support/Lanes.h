@@ -10,10 +10,17 @@
 #endif
 
 inline constexpr std::size_t laneCount = 8;
-
-// The alignment is said, since of itself it would be that of the registers of the oldest processor.
 inline constexpr std::size_t laneBytes = laneCount * sizeof(double);
-using Lanes = double __attribute__((vector_size(laneBytes), aligned(laneBytes), may_alias));
+
+// The alignment is stated, since of itself it would be that of the registers of the oldest processor. GCC does not
+// align objects to whole lanes on a stack that it checks; the code of checked builds is that of the oldest processor
+// anyway.
+#ifdef TORVELAN_SANITIZED
+inline constexpr std::size_t laneAlignment = 16;
+#else
+inline constexpr std::size_t laneAlignment = laneBytes;
+#endif
+using Lanes = double __attribute__((vector_size(laneBytes), aligned(laneAlignment), may_alias));
 // The same anywhere in memory.
 using LooseLanes = double __attribute__((vector_size(laneBytes), aligned(sizeof(double)), may_alias));
 
