@@ -2,7 +2,7 @@
 
 #include "Evaluation/PlacedFunction.h"
 
-FunctionFamily::FunctionFamily(std::span<FunctionRow const> rows, std::source_location place) {
+FunctionFamily::FunctionFamily(std::span<FunctionRow const> rows, SourcePlace place) {
     for (FunctionRow const & row : rows) {
         FuncInfo info(row.name, row.types, row.minArgs, row.maxArgs, row.handler, row.multiDefs,
                       (row.traits & incremental) != 0);

@@ -1,9 +1,9 @@
 // The functions of a family as one table.
 #pragma once
 
+#include "support/SourcePlace.h"
 #include "torvelan/Functions.h"
 
-#include <source_location>
 #include <span>
 
 // What most handlers need of a call, and the handler around it.
@@ -40,5 +40,5 @@ struct FunctionRow {
 class FunctionFamily {
 public:
     explicit FunctionFamily(std::span<FunctionRow const> rows,
-                            std::source_location place = std::source_location::current());
+                            SourcePlace place = SourcePlace::current());
 };

@@ -257,15 +257,16 @@ TEST_F(Tvsh, ABinaryRawFileIsExplained) {
     EXPECT_NE(outcome.err.find("set filetype=ascii"), std::string::npos);
 }
 
-TEST_F(Tvsh, FurtherDataSetsOfAFileAreNotLeftOutInSilence) {
+TEST_F(Tvsh, EveryDataSetOfAFileIsThere) {
     std::string const one = contentOf(rawFile());
     auto const path = file("three.raw", one + std::string(3000000, '\n') + one + one);
-    Outcome const outcome = run({"eval", "--open", path, "out[1]"});
+    Outcome const outcome = run({"eval", "--open", path, "out[1]", "spice3_1:out[1]", "spice3_2:out[1]"});
     EXPECT_EQ(outcome.status, done);
-    EXPECT_EQ(outcome.out, "out[1] = -2 V\n");
-    EXPECT_EQ(outcome.err,
-              "warning: " + path + ": the file holds 3 data sets, of which only the first has been read\n");
-    EXPECT_EQ(run({"eval", "--open", rawFile(), "out[1]"}).err, "");
+    EXPECT_EQ(outcome.out, "out[1] = -2 V\nspice3_1:out[1] = -2 V\nspice3_2:out[1] = -2 V\n");
+    EXPECT_EQ(outcome.err, "");
+    std::string const list = run({"list", path}).out;
+    for (char const * group : {"Group spice3_1:", "Group spice3_2:", "Group spice3_3:"})
+        EXPECT_NE(list.find(group), std::string::npos) << group;
 }
 
 TEST_F(Tvsh, PathsMayHoldAnyByte) {

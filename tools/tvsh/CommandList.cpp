@@ -69,13 +69,9 @@ int listFiles(std::vector<std::string> const & files) {
     int status = exitDone;
     for (std::string const & file : files) {
         EngineSession::Command const command;
-        if (!openFile(file, console)) {
-            status = exitInput;
-            continue;
-        }
-        YString group;
-        vec_GetCurrentGroupName(group);
-        writeGroup(group);
+        std::vector<YString> groups;
+        if (!openFile(file, console, &groups)) status = exitInput;
+        for (YString const & group : groups) writeGroup(group);
     }
     return status;
 }

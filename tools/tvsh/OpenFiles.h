@@ -3,12 +3,17 @@
 
 #include "Console.h"
 
+#include "torvelan/YString.h"
+
 #include <memory>
 #include <string>
+#include <vector>
 
-// Opens FILE, or TYPE:FILE, into a new group that becomes current. False when that cannot be, which has been reported
-// with the name of the file.
-bool openFile(std::string const & argument, std::shared_ptr<ConsoleMessages> const & messages);
+// Opens FILE, or TYPE:FILE, into new groups, one for each data set, of which the last becomes current; their names are
+// appended to *groups, where given, in the order of the file. False when that cannot be, which has been reported with
+// the name of the file.
+bool openFile(std::string const & argument, std::shared_ptr<ConsoleMessages> const & messages,
+              std::vector<YString> * groups = nullptr);
 
 // Whether a file can be made or replaced; if not, that has been reported with its name.
 bool canWriteFile(std::string const & path, MessageHandler & messages);
