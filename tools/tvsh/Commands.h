@@ -10,6 +10,7 @@ using Arguments = std::vector<std::string>; // those behind the name of the comm
 int runDump(Arguments const & arguments);
 int runEval(Arguments const & arguments);
 int runFunctions(Arguments const & arguments);
+int runImport(Arguments const & arguments);
 int runList(Arguments const & arguments);
 int runPrint(Arguments const & arguments);
 int runScript(Arguments const & arguments);

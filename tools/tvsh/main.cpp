@@ -16,6 +16,7 @@ constexpr CommandRow rows[] = {
     {"eval", "evaluate expressions", runEval},
     {"list", "list the groups and vectors of files", runList},
     {"print", "print vectors of a file as a table", runPrint},
+    {"import", "turn files of other simulators into native data files", runImport},
     {"dump", "show how native data files are built", runDump},
     {"run", "run a script", runScript},
     {"functions", "list the functions of expressions", runFunctions},
