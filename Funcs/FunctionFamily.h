@@ -39,6 +39,5 @@ struct FunctionRow {
 // need not outlive it.
 class FunctionFamily {
 public:
-    explicit FunctionFamily(std::span<FunctionRow const> rows,
-                            SourcePlace place = SourcePlace::current());
+    explicit FunctionFamily(std::span<FunctionRow const> rows, SourcePlace place = SourcePlace::current());
 };

@@ -8,7 +8,6 @@
 struct PlacedFunction {
     explicit PlacedFunction(FuncInfo const & info, SourcePlace place = SourcePlace::current()) {
         FuncDef{info};
-        FuncLoc(info.name.c_str(), place.file, place.line,
-                reinterpret_cast<void *>(info.handler));
+        FuncLoc(info.name.c_str(), place.file, place.line, reinterpret_cast<void *>(info.handler));
     }
 };

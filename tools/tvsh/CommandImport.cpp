@@ -67,7 +67,8 @@ private:
             return false;
         }
         vec_SetCurrentGroup(group);
-        if (!canWriteFile(path, *console_) || !vec_SaveGroup(YString(path), VecSaveGroupOptions(), console_)) return false;
+        if (!canWriteFile(path, *console_) || !vec_SaveGroup(YString(path), VecSaveGroupOptions(), console_))
+            return false;
         ++saved_;
         writeOut(file + ": " + summary(group) + " -> " + path + " (" + megabytes(sizeOf(path)) + ")\n");
         vec_DestroyGroup(group, true);
@@ -112,7 +113,8 @@ int runImport(Arguments const & arguments) {
                       .operandHelp = fileHelp,
                       .example = "tvsh import startup.raw -o startup.tvdat"});
     std::string output;
-    line.app.add_option("-o,--output", output, "the data file of the first data set; the next ones get '_1', '_2', ...")
+    line.app
+        .add_option("-o,--output", output, "the data file of the first data set; the next ones get '_1', '_2', ...")
         ->type_name("OUT")
         ->required();
     if (auto const status = line.parse(arguments)) return *status;
