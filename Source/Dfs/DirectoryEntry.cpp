@@ -11,18 +11,19 @@ namespace {
 constexpr int atFileIndex = 0, atType = 4, atIsRun = 5, atId = 8, atOffset = 16, atSize = 24, atRunLength = 28,
               atNext = 32;
 constexpr std::int32_t longestRun = 0x7fffffff;
+constexpr std::int64_t greatestId = std::int64_t{1} << 62; // far from where sums of ids overflow
 
-// The numbers of the last extent of a run are numbers too.
+// The place of the last extent of a run is a number too.
 bool runFits(DirectoryEntry const & run) noexcept {
-    std::int64_t const steps = run.runLength - 1;
+    std::int64_t const extents = run.runLength;
     std::int64_t end;
-    return run.runLength >= 2 && run.size > 0 && run.id <= INT64_MAX - run.runLength &&
-           run.next <= INT64_MAX - run.runLength && !__builtin_mul_overflow(steps + 1, run.size, &end) &&
+    return extents >= 2 && run.size > 0 && !__builtin_mul_overflow(extents, run.size, &end) &&
            !__builtin_add_overflow(end, run.offset, &end);
 }
 
 bool extentFits(DirectoryEntry const & entry) noexcept {
-    return entry.size >= 0 && entry.offset >= 0 && entry.size <= INT64_MAX - entry.offset && entry.id < INT64_MAX;
+    return entry.size >= 0 && entry.offset >= 0 && entry.size <= INT64_MAX - entry.offset && entry.id <= greatestId &&
+           entry.next <= greatestId;
 }
 
 } // namespace

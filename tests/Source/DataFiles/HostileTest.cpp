@@ -99,7 +99,8 @@ TEST_F(Hostile, EveryFieldOfTheDirectoryWithEveryEvilNumber) {
                                  100,
                                  2,
                                  0x7fffffff00000001LL,
-                                 0x0000000a00000008LL};
+                                 0x0000000a00000008LL,
+                                 -0x7fffffffffffff00LL};
     constexpr std::size_t fields[] = {0, 4, 8, 16, 24, 32};
     for (std::size_t entry = 0; entry < 25; ++entry)
         for (std::size_t field : fields)
