@@ -78,7 +78,8 @@ public:
     }
 
 private:
-    static constexpr std::size_t mostStreams = 1'000'000; // that are listed
+    static constexpr std::size_t mostStreams = 1'000'000;   // that are listed
+    static constexpr std::int64_t mostExtents = 10'000'000; // that are counted of a stream
 
     void tellDirectory() {
         DfsDirectory const & directory = file.directory();
@@ -152,7 +153,8 @@ private:
 
     StreamFacts follow(std::int64_t id) const {
         StreamFacts facts;
-        for (auto extent = file.directory().extent(id); extent; extent = file.directory().extent(extent->next)) {
+        for (auto extent = file.directory().extent(id); extent && facts.extents < mostExtents;
+             extent = file.directory().extent(extent->next)) {
             if (facts.extents++ == 0) facts.type = extent->type;
             facts.isLinked = facts.isLinked || extent->fileIndex != 0;
             facts.endsEarly = extent->next > 0 && !file.directory().extent(extent->next);

@@ -121,8 +121,8 @@ bool OlderStream::takePiece(BlockHeader const & header, YVector<Piece> * pieces)
     return present == payload;
 }
 
-// Without a total the pieces of the chain are it, up to one that knows the total of the rest. Pieces do not share
-// bytes, so they have no more than the file.
+// Without a total the pieces of the chain are it, up to one that knows the total of the rest. Blocks do not share
+// bytes, so that all of them have no more than the file.
 std::unique_ptr<BlockBacking> OlderStream::readBlock() {
     BlockHeader header;
     if (!readHeader(tell(), &header)) return nullptr;
@@ -130,13 +130,12 @@ std::unique_ptr<BlockBacking> OlderStream::readBlock() {
     YVector<Piece> pieces;
     std::uint64_t gathered = 0;
     std::uint64_t wanted = header.totalBytes != 0 ? static_cast<std::uint64_t>(header.totalBytes) : UINT64_MAX;
-    std::uint64_t headers = 0;
     for (;;) {
         bool const whole = takePiece(header, &pieces);
         gathered += static_cast<std::uint64_t>(header.payload());
-        headers += header.bytes;
+        inBlocks_ += header.bytes + static_cast<std::uint64_t>(header.payload());
         if (!whole || header.next == 0 || gathered >= wanted) break;
-        if (gathered + headers > size_ || !readHeader(static_cast<std::uint64_t>(header.next), &header)) return nullptr;
+        if (inBlocks_ > size_ || !readHeader(static_cast<std::uint64_t>(header.next), &header)) return nullptr;
         if (wanted == UINT64_MAX && header.totalBytes != 0)
             wanted = gathered + static_cast<std::uint64_t>(header.totalBytes);
     }

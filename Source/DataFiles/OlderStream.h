@@ -58,6 +58,7 @@ private:
     int version_;
     std::uint64_t size_;
     std::uint64_t position_ = 0;
-    YVector<char> buffer_; // bytes of the file from bufferStart_ on
+    std::uint64_t inBlocks_ = 0; // bytes of all blocks that have been read, with their headers
+    YVector<char> buffer_;       // bytes of the file from bufferStart_ on
     std::uint64_t bufferStart_ = 0;
 };

@@ -50,10 +50,11 @@ private:
         auto const back = static_cast<std::int64_t>(stream.tell());
         auto labels = std::make_shared<NameArray>();
         constexpr std::uint64_t leastBytes = sizeof(std::uint16_t) + sizeof(std::int64_t);
-        while (next != 0) {
+        for (std::uint64_t bytes = 0; next != 0;) {
             YString label;
-            if (labels->size() > stream.size() / leastBytes) return false;
+            if (bytes > stream.size()) return false;
             if (!stream.seek(next) || !stream.readString(&label) || !stream.readNumber(&next)) return false;
+            bytes += label.size() + leastBytes;
             labels->push_back(label);
         }
         if (!labels->empty()) group.labels = labels;

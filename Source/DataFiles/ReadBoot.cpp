@@ -47,7 +47,9 @@ bool readKeys(DfsFile & file, BootNumbers * boot) {
 // The records are streams of their own: each exists, and none is used twice. The first version had no scripts.
 bool claimStreams(DfsFile & file, BootNumbers const & boot, StreamClaims & claims) {
     int const known = boot.version >= bootVersion ? BOOT_STREAMS : BOOT_SCRIPTS;
-    return std::all_of(boot.streams, boot.streams + known, [&](std::int64_t id) { return claims.claim(file, id); });
+    for (int i = 0; i < known; ++i)
+        if (!claims.claim(file, boot.streams[i], bootKeys[i].type)) return false;
+    return true;
 }
 
 bool readHeader(DfsFile & file, std::int64_t stream, Group & group, YString * name) {

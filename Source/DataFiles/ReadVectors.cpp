@@ -78,7 +78,8 @@ private:
         if (type == VD_STRING) return readStrings(*record, count);
         std::uint8_t multiple;
         if ((type != VD_REAL && type != VD_COMPLEX) || !reader.readNumber(&multiple)) return false;
-        if (!claims.claim(*file, data) || !claims.claim(*file, divisions)) return false;
+        if (!claims.claim(*file, data, StreamType::bytes)) return false;
+        if (!claims.claim(*file, divisions, StreamType::timeBuffered)) return false;
         record->type = static_cast<VD_type>(type);
         record->multiple = multiple != 0;
         attachStreams(*record, data, divisions);
@@ -133,9 +134,13 @@ void showCommonPart(XYVector & vector) {
         reference.limitLength(n);
         return;
     }
-    std::int64_t const n = commonDivisions(vector, reference);
+    std::int64_t const n = std::max<std::int64_t>(commonDivisions(vector, reference), 1);
     vector.limitDivisions(n);
     reference.limitDivisions(n);
+    if (n > 1) return;
+    std::int64_t const length = std::min(vector.length(), reference.length());
+    vector.limitLength(length);
+    reference.limitLength(length);
 }
 
 } // namespace

@@ -9,8 +9,8 @@
 // The streams that something of the file is read from. A stream is one thing only.
 class StreamClaims {
 public:
-    bool claim(DfsFile const & file, std::int64_t id) {
-        return id > DfsFile::settingsStream && id != DfsFile::firstBootStream && file.exists(id) &&
+    bool claim(DfsFile const & file, std::int64_t id, StreamType type) {
+        return id > DfsFile::settingsStream && id != DfsFile::firstBootStream && file.isStream(id, type) &&
                taken.insert(id).second;
     }
 

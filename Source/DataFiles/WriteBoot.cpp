@@ -127,9 +127,10 @@ private:
 
     // Piece by piece, without bringing what is in another file into memory.
     bool copy(VectorRep & rep, std::int64_t data, std::int64_t divisions) {
-        std::vector<char> piece(std::min(copyBytes, rep.bytes()));
-        for (std::uint64_t at = 0; at < rep.bytes(); at += piece.size()) {
-            piece.resize(std::min<std::uint64_t>(piece.size(), rep.bytes() - at));
+        std::uint64_t const bytes = byteCount(rep.elements(), rep.type); // a value may have been cut off
+        std::vector<char> piece(std::min(copyBytes, bytes));
+        for (std::uint64_t at = 0; at < bytes; at += piece.size()) {
+            piece.resize(std::min<std::uint64_t>(piece.size(), bytes - at));
             if (rep.block->read(piece.data(), piece.size(), at) != piece.size()) return false;
             if (!file->write(data, piece.data(), piece.size())) return false;
         }

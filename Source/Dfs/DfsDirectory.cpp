@@ -116,7 +116,7 @@ DfsDirectory::LoadResult DfsDirectory::indexEntries() {
             else
                 index_.insertPlain(entry.id, slot);
         }
-        if (!entry.isLive() && !straddles(slot)) freeSlots_.push_back(slot);
+        if (!entry.isLive() && !straddles(slot) && !isLink(slot)) freeSlots_.push_back(slot);
     }
     return LoadResult::good;
 }
@@ -226,13 +226,13 @@ bool DfsDirectory::addBlock(std::int64_t expected, FileTail * tail) {
     return true;
 }
 
-void DfsDirectory::set(DirectoryEntry const & entry) {
+bool DfsDirectory::set(DirectoryEntry const & entry) {
     ExtentIndex::Slot const slot = index_.findPlain(entry.id);
-    if (slot == ExtentIndex::none) return;
+    if (slot == ExtentIndex::none) return false;
     store(slot, entry);
     std::int32_t const earlier = slotOf(entry.id - 1);
-    if (earlier == ExtentIndex::none || isLink(earlier)) return;
-    if (!entries_[index(earlier)].isContinuedBy(entry)) return;
+    if (earlier == ExtentIndex::none || isLink(earlier)) return true;
+    if (!entries_[index(earlier)].isContinuedBy(entry)) return true;
     DirectoryEntry run = entries_[index(earlier)];
     if (!run.isRun) {
         index_.erasePlain(run.id);
@@ -243,15 +243,18 @@ void DfsDirectory::set(DirectoryEntry const & entry) {
     store(earlier, run);
     index_.erasePlain(entry.id);
     absorbed_.push_back(slot);
+    return true;
 }
 
-std::int64_t DfsDirectory::merge(DfsDirectory const & other, std::uint32_t fileIndex, FileTail * tail) {
+std::int64_t DfsDirectory::merge(DfsDirectory const & other, std::uint32_t links, std::uint32_t fileIndex,
+                                 FileTail * tail) {
     std::int64_t const base = nextId_;
     if (other.nextId_ > greatestId - base) return 0;
     nextId_ += other.nextId_;
     std::int64_t left = other.liveEntries();
     bool whole = true;
     other.forEach([&](DirectoryEntry const & theirs) {
+        if (theirs.fileIndex > links) return;
         DirectoryEntry ours = theirs;
         ours.fileIndex += fileIndex;
         ours.id += base;

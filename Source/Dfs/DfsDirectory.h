@@ -40,11 +40,13 @@ public:
     // Enters a plain entry of a new id. False when the directory cannot grow. A null tail is for a file that is only
     // read: the entry is in memory alone.
     bool add(DirectoryEntry const & entry, FileTail * tail);
-    // Changes the plain entry of its id; a regular sequence of extents becomes one entry. An extent inside a run stays.
-    void set(DirectoryEntry const & entry);
+    // Changes the plain entry of its id; a regular sequence of extents becomes one entry.
+    // False for an extent inside a run, which stays.
+    bool set(DirectoryEntry const & entry);
     // Enters the extents of another file's directory, with fileIndex and ids raised. The answer is what the ids were
     // raised by; 0 when the directory cannot grow.
-    std::int64_t merge(DfsDirectory const & other, std::uint32_t fileIndex, FileTail * tail);
+    // Entries of that file that belong to no link of its `links` stay behind.
+    std::int64_t merge(DfsDirectory const & other, std::uint32_t links, std::uint32_t fileIndex, FileTail * tail);
 
     // Every live entry that describes data, in the order of the directory.
     template <class Visit> void forEach(Visit visit) const {

@@ -37,6 +37,12 @@ std::unique_ptr<OpenFile> openHeld(YString const & path, DfsMode mode) {
     return held && (!isNew || file->truncate()) ? std::move(file) : nullptr;
 }
 
+// Another file may have taken the name since.
+bool isAt(YString const & path, FileIdentity const & identity) {
+    auto const there = files().open(path, FileMode::read);
+    return there != nullptr && there->identity() == identity;
+}
+
 } // namespace
 
 DfsFile::DfsFile(YString const & path, DfsMode mode) : DfsFile(openHeld(path, mode), path, mode) {}
@@ -45,8 +51,9 @@ DfsFile::DfsFile(std::unique_ptr<OpenFile> file, YString const & path, DfsMode m
     : mode_(mode), path_(sp_GetFullPath(path)), file_(std::move(file)) {}
 
 DfsFile::~DfsFile() {
+    FileIdentity const own = deleteOnClose_ && file_ != nullptr ? file_->identity() : FileIdentity();
     close();
-    if (deleteOnClose_) files().remove(path_);
+    if (deleteOnClose_ && isAt(path_, own)) files().remove(path_);
 }
 
 bool DfsFile::close() {
@@ -131,11 +138,14 @@ bool DfsFile::readSettings() {
 DfsStatus DfsFile::prepareUpdate(DfsStatus found) {
     if (found == DfsStatus::beyondTheEnd) return DfsStatus::overlap;
     bool slotsFit = true;
+    bool allPresent = true;
     directory_.forEach([&](DirectoryEntry const & entry) {
         bool const isOpenSlot = entry.type == StreamType::timeBuffered && entry.fileIndex == 0 && entry.next <= 0;
         slotsFit = slotsFit && !(isOpenSlot && entry.size > timeBufferSize_);
+        auto const end = static_cast<std::uint64_t>(entry.offset + entry.size * entry.runLength);
+        allPresent = allPresent && (entry.fileIndex != 0 || entry.size == 0 || end <= fileSize_);
     });
-    if (!slotsFit) return DfsStatus::overlap;
+    if (!slotsFit || !allPresent) return DfsStatus::overlap;
     tail_.emplace(*file_, fileSize_);
     return found;
 }

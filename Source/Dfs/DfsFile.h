@@ -72,6 +72,10 @@ public:
     std::int64_t newStream(StreamType type);
     bool openStream(std::int64_t id, StreamType type); // makes a stream of an id from 1 to 1000 if it does not exist
     bool exists(std::int64_t id) const noexcept { return directory_.extent(id).has_value(); }
+    bool isStream(std::int64_t id, StreamType type) const noexcept {
+        auto const first = directory_.extent(id);
+        return first && first->type == type;
+    }
 
     // Appends. False when the file does not take it; nothing has been appended then.
     bool write(std::int64_t id, void const * data, std::size_t bytes);

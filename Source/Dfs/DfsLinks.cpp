@@ -73,14 +73,17 @@ bool DfsFile::allLinkedBytesPresent() const {
 // The files that the other one is linked with become links of this one.
 int DfsFile::addLink(DfsFile & other) {
     if (file_ == nullptr || other.file_ == nullptr || isKnown(other.file_->identity())) return -1;
+    if (!other.flushAll()) return -1; // what waits there would not be seen here
     std::size_t const before = links_.size();
     bool linked = openLink(sp_RelativePath(other.path_, sp_GetDirFromPath(path_)));
     for (std::size_t i = 0; linked && i < other.links_.size(); ++i) {
         YString const path = YString::joined(sp_GetDirFromPath(other.path_), {"/", other.links_[i].path});
         linked = openLink(sp_RelativePath(path, sp_GetDirFromPath(path_)));
     }
-    std::int64_t const base =
-        linked ? directory_.merge(other.directory_, static_cast<std::uint32_t>(before + 1), tail()) : 0;
+    std::int64_t const base = linked
+                                  ? directory_.merge(other.directory_, static_cast<std::uint32_t>(other.links_.size()),
+                                                     static_cast<std::uint32_t>(before + 1), tail())
+                                  : 0;
     if (base == 0) {
         links_.resize(before);
         return -1;
@@ -93,13 +96,12 @@ bool DfsFile::spliceLinkedStream(std::int64_t id, int link, std::int64_t otherId
     if (link < 0 || static_cast<std::size_t>(link) >= links_.size() || !flush(id)) return false;
     auto last = lastExtent(id);
     std::int64_t const head = links_[static_cast<std::size_t>(link)].idBase + otherId;
-    if (!last || !exists(head)) return false;
+    if (!last || !exists(head) || last->type != StreamType::bytes) return false;
     bool const isClosed = last->fileIndex != 0 || last->size > 0 || last->next > 0;
     if (isClosed && !chainNew(&*last)) return false;
     writers_.erase(id);
     last->next = head;
-    directory_.set(*last);
-    return true;
+    return directory_.set(*last) || failed();
 }
 
 bool DfsFile::rewriteLinkTable() {

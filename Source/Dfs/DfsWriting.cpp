@@ -40,7 +40,7 @@ bool DfsFile::chainNew(DirectoryEntry * last) {
     StreamType const type = last->type;
     if (!newExtent(type, id)) return false;
     last->next = id;
-    directory_.set(*last);
+    if (!directory_.set(*last)) return failed(); // damage has left the end of the stream inside a run
     *last = *directory_.extent(id);
     return true;
 }

@@ -17,7 +17,7 @@ constexpr std::int64_t greatestId = std::int64_t{1} << 62; // far from where sum
 bool runFits(DirectoryEntry const & run) noexcept {
     std::int64_t const extents = run.runLength;
     std::int64_t end;
-    return extents >= 2 && run.size > 0 && !__builtin_mul_overflow(extents, run.size, &end) &&
+    return extents >= 2 && run.size > 0 && run.next >= 0 && !__builtin_mul_overflow(extents, run.size, &end) &&
            !__builtin_add_overflow(end, run.offset, &end);
 }
 

@@ -90,7 +90,9 @@ private:
     // ring. There are no more of them than the file has bytes and the directory has entries.
     bool hasRing() const {
         if (rising) return false;
-        Ranges const present = presentExtents();
+        bool tooMany = false; // to be walked
+        Ranges const present = presentExtents(&tooMany);
+        if (tooMany) return true;
         std::int64_t met = 0;
         std::int64_t total = 0;
         for (Range const & range : present) {
@@ -102,17 +104,18 @@ private:
     }
 
     // Of linked files, whose sizes are not known here, so many in all.
-    Ranges presentExtents() const {
+    Ranges presentExtents(bool * tooMany) const {
         std::int64_t linked = 1 << 20;
         Ranges present;
         directory.forEach([&](DirectoryEntry const & entry) {
             std::int64_t n = entry.runLength;
             if (entry.fileIndex != 0)
-                linked -= n = std::min(n, linked);
+                linked -= n;
             else if (entry.isRun)
                 n = std::clamp<std::int64_t>((fileSize - entry.offset + entry.size - 1) / entry.size, 0, n);
             if (n > 0) present.push_back({entry.id, entry.id + n});
         });
+        *tooMany = linked < 0;
         sort(present);
         return present;
     }

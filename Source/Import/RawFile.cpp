@@ -5,6 +5,7 @@
 #include "Import/OutputFile.h"
 #include "Import/Spice2.h"
 #include "Import/Spice3.h"
+#include "support/FileSystem.h"
 #include "support/Paths.h"
 #include "support/Streams.h"
 #include "support/System.h"
@@ -34,7 +35,7 @@ public:
         GroupBeingRead const group = newGroup();
         if (!readSpice2(stream_, group.get(), outputOf(0), *messages_)) {
             messages_->error("Spice2 raw data file read failed because of incorrect format");
-            listRestoredGroup(group.get(), group->name, false, *messages_);
+            listRestoredGroup(group.get(), YString(group->name), false, *messages_);
         }
         return true;
     }
@@ -108,6 +109,13 @@ private:
     std::uint32_t const stamp_;
 };
 
+// The file that is read must not be emptied to be written.
+bool isSameFile(YString const & a, YString const & b) {
+    auto const first = files().open(a, FileMode::read);
+    auto const second = files().open(b, FileMode::read);
+    return first != nullptr && second != nullptr && first->identity() == second->identity();
+}
+
 } // namespace
 
 bool vec_OpenRawFile(YString const & path, YString const & outputPath, VecOpenRawFileOptions options,
@@ -118,7 +126,10 @@ bool vec_OpenRawFile(YString const & path, YString const & outputPath, VecOpenRa
         messages->error("Cannot open data file '%s'", path);
         return false;
     }
-    RawFileReader reader(stream, outputPath, options, messages);
+    YString const output = isSameFile(path, outputPath) ? YString() : outputPath;
+    if (output.empty() && !outputPath.empty())
+        messages->warning("Cannot create data file '%s'. The data are kept in memory", outputPath);
+    RawFileReader reader(stream, output, options, messages);
     if (options.spice2) return reader.readSpice2File();
     return options.csdf ? reader.readCsdfSections() : reader.readSpice3Sets();
 }

@@ -157,6 +157,6 @@ bool readSpice2(tvfstream & stream, Group * group, OutputFile const & output, Me
     if (!reader.readHeader()) return false;
     output.attachTo(*group);
     reader.readValues();
-    listRestoredGroup(group, group->name, false, messages);
+    listRestoredGroup(group, YString(group->name), false, messages);
     return true;
 }

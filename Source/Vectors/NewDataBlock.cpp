@@ -109,6 +109,12 @@ void NewDataBlock::prepareChange() {
 }
 
 void NewDataBlock::resize(std::uint64_t bytes) {
+    if (bytes == 0 && data == nullptr && !isWritten()) { // nothing is worth reading
+        backing_.reset();
+        data = inlineData;
+        capacity_ = inlineBytes;
+        size_ = 0;
+    }
     prepareChange();
     reserve(bytes);
     size_ = bytes;

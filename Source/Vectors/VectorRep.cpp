@@ -177,7 +177,8 @@ void VectorRep::reserve(std::int64_t n, VD_type newType) {
 
 void VectorRep::appendElements(VectorRep const & from, int link) {
     if (from.bytes() == 0) return;
-    if (link != noLink && block && from.block && block->splice(link, *from.block.get())) return invalidateRanges();
+    if (link != noLink && block && from.block && from.type == type && block->splice(link, *from.block.get()))
+        return invalidateRanges();
     if (from.type == VD_STRING)
         appendStrings(from);
     else

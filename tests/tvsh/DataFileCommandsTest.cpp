@@ -34,6 +34,14 @@ TEST_F(Tvsh, ImportsEachDataSetIntoAFileOfItsOwn) {
     EXPECT_TRUE(std::filesystem::exists(folder / "out_1.tvdat"));
 }
 
+TEST_F(Tvsh, DataSetsAheadOfABadOneAreImported) {
+    std::string const set = contentOf(example("amplifier/ac.raw"));
+    std::string const half = folder / "half.raw";
+    std::ofstream(half, std::ios::binary) << set << set.substr(0, set.size() / 8);
+    Outcome const imported = run({"import", half, "-o", folder / "out.tvdat"});
+    EXPECT_TRUE(std::filesystem::exists(folder / "out.tvdat")) << imported.err;
+}
+
 TEST_F(Tvsh, ImportTellsWhatItCannotReadOrWrite) {
     std::string const file = example("amplifier/ac.raw");
     EXPECT_EQ(run({"import", file}).status, wrongUsage);

@@ -61,8 +61,12 @@ public:
 private:
     // The name chosen may be that of any file; names that follow from it only stand for files of the same kind.
     bool save(YString const & group, std::string const & file) {
+        int count = 0;
+        vec_GetNumVectorsInGroup(group, &count);
+        if (count == 0) return true; // what a failure has left
         std::string const path = outputName(output_, saved_);
-        if (saved_ != 0 && fs::exists(path) && fileForm(path) != FileForm::native) {
+        std::error_code unknown;
+        if (saved_ != 0 && fs::exists(path, unknown) && fileForm(path) != FileForm::native) {
             console_->error("Cannot write file '%s': there is a file that is no data file", path.c_str());
             return false;
         }

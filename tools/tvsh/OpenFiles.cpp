@@ -34,6 +34,11 @@ struct FileArgument {
     std::string path;
 };
 
+bool isFile(std::string const & path) {
+    std::error_code ignored;
+    return fs::is_regular_file(path, ignored);
+}
+
 FileArgument splitArgument(std::string const & argument) {
     auto const colon = argument.find(':');
     if (colon == std::string::npos) return {nullptr, argument};
@@ -68,8 +73,9 @@ bool openForeign(std::string const & path, DataFileType type, Messages const & m
 class ScratchFolder {
 public:
     ScratchFolder() {
-        std::string pattern = (fs::temp_directory_path() / "tvsh-XXXXXX").string();
-        if (mkdtemp(pattern.data()) != nullptr) path_ = pattern;
+        std::error_code problem;
+        std::string pattern = (fs::temp_directory_path(problem) / "tvsh-XXXXXX").string();
+        if (!problem && mkdtemp(pattern.data()) != nullptr) path_ = pattern;
     }
     ~ScratchFolder() {
         std::error_code ignored;
@@ -101,6 +107,10 @@ private:
 // Every data set of the file, with the values in data files of this process alone.
 bool openSets(std::string const & path, bool isCsdf, Messages const & messages) {
     ScratchFolder const folder;
+    if (folder.path().empty()) {
+        messages->error("there is no folder for temporary files; TMPDIR names one");
+        return false;
+    }
     VecOpenRawFileOptions options;
     options.csdf = isCsdf;
     options.ramPercent = 10;
@@ -150,9 +160,15 @@ bool openAs(FileArgument const & file, Messages const & messages) {
     bool const binary = found == FileForm::spice3Binary;
     FileForm const form = file.type != nullptr && !binary ? file.type->form : found;
     if (openForm(form, file.path, messages)) return true;
-    if (isExplicable(form) && fs::is_regular_file(file.path))
-        explainFailure(form, file.type == nullptr, file.path, messages);
+    if (isExplicable(form) && isFile(file.path)) explainFailure(form, file.type == nullptr, file.path, messages);
     return false;
+}
+
+// The data sets ahead of a bad one are complete; other files leave a part of a group at most.
+bool leavesWholeSets(FileArgument const & file) {
+    if (isPipeOrDevice(file.path)) return false;
+    FileForm const form = file.type != nullptr ? file.type->form : fileForm(file.path);
+    return form == FileForm::csdf || form == FileForm::spice3;
 }
 
 std::vector<YString> groupsInStore() {
@@ -183,7 +199,7 @@ bool openFile(std::string const & argument, std::shared_ptr<ConsoleMessages> con
     } catch (std::bad_alloc const &) {
         messages->error("there is not enough memory for this file");
     }
-    if (opened && groups != nullptr) appendNew(before, groups);
+    if (groups != nullptr && (opened || leavesWholeSets(file))) appendNew(before, groups);
     messages->setSubject("");
     return opened;
 }

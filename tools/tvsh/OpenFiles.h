@@ -10,8 +10,8 @@
 #include <vector>
 
 // Opens FILE, or TYPE:FILE, into new groups, one for each data set, of which the last becomes current; their names are
-// appended to *groups, where given, in the order of the file. False when that cannot be, which has been reported with
-// the name of the file.
+// appended to *groups, where given, in the order of the file, also those that came ahead of a failure. False when that
+// cannot be, which has been reported with the name of the file.
 bool openFile(std::string const & argument, std::shared_ptr<ConsoleMessages> const & messages,
               std::vector<YString> * groups = nullptr);
 

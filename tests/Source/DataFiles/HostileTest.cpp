@@ -144,6 +144,20 @@ TEST_F(Hostile, RingsAreFound) {
     }
 }
 
+// The nexts of a run that count up from below zero reach other extents.
+TEST_F(Hostile, ARunDoesNotComeUpFromBelowZero) {
+    std::string bytes = sample();
+    std::size_t const at = firstEntry + 20 * 40;
+    bytes = with(bytes, at + 4, std::uint16_t{0x0100});
+    bytes = with(bytes, at + 8, std::int64_t{90});
+    bytes = with(bytes, at + 16, std::int64_t{33000});
+    bytes = with(bytes, at + 24, std::int32_t{1});
+    bytes = with(bytes, at + 28, std::int32_t{20});
+    bytes = with(bytes, at + 32, std::int64_t{-5});
+    disk.put(fileName, bytes);
+    EXPECT_EQ(open(fileName, ignoringLock()), nullptr);
+}
+
 TEST_F(Hostile, FilesToBeContinuedAreLeftAloneWhenTheyAreDamaged) {
     std::string const whole = sample();
     VecOpenGroupOptions options = forUpdate();

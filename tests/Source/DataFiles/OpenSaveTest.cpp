@@ -97,6 +97,17 @@ TEST_F(OpenSave, ATemporaryFileGoesWithItsGroup) {
     EXPECT_EQ(folder.fileCount(), 0U);
 }
 
+TEST_F(OpenSave, ATemporaryFileThatHasBeenReplacedStays) {
+    YString const path = folder.path("saved.tvdat");
+    ASSERT_TRUE(save(newRun({}), path));
+    VecOpenGroupOptions options;
+    options.temporary = true;
+    Group * group = open(path, options);
+    ASSERT_TRUE(save(group, path));
+    destroyGroup(group);
+    EXPECT_EQ(folder.fileCount(), 1U) << "what was saved is no temporary file";
+}
+
 TEST_F(OpenSave, APathThatCannotBeWrittenIsNotTold) {
     Group * group = newRun({});
     EXPECT_TRUE(save(group, folder.path("no/such/folder.tvdat")));
