@@ -76,8 +76,6 @@ TEST_F(Streaming, DivisionsAndTheirLabelsComeAsTheyAreAnnounced) {
 
 TEST_F(Streaming, AnotherProcessReadsWhileThisOneWrites) {
     YString const path = folder.path("run.tvdat");
-    int ready[2];
-    ASSERT_EQ(pipe(ready), 0);
     Group * run = newRun({"a"});
     ASSERT_EQ(initialise(run, path), VEC_OK);
     for (int i = 0; i < 5000; ++i) addPoint(run, {"a"}, i);
