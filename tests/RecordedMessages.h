@@ -3,6 +3,7 @@
 
 #include "torvelan/Messages.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,7 @@ public:
         texts.clear();
     }
 
+    std::ptrdiff_t count(MessageLevel level) const { return std::count(levels.begin(), levels.end(), level); }
     std::string last() const { return texts.empty() ? std::string() : texts.back(); }
 
     std::vector<MessageLevel> levels;

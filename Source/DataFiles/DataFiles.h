@@ -19,5 +19,9 @@ void finishRestored(Group * group, YString const & storedName, VecOpenGroupOptio
 // Opens a file in the default way. Null when that fails.
 Group * openGroupFile(YString const & path, YRef<MessageHandler> const & messages);
 
+// SaveGroup.cpp: makes the data file of a group that has none. What is appended to its vectors from now on goes there,
+// but what stands at the path stays until the new file takes its name. Null when it cannot be, and the group has no file.
+YRef<DfsFile> createDataFileBeside(Group & group, YString const & path);
+
 // OpenOlder.cpp: files of the versions before streams.
 bool openOlderFile(YString const & path, VecOpenGroupOptions options, YString * groupName, MessageHandler & messages);

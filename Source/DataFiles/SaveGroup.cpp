@@ -17,9 +17,19 @@ bool mayReplace(YString const & path, bool refuseHeld) {
     return file != nullptr && (!refuseHeld || lockForWriting(file->descriptor()));
 }
 
+// Beside the file that it is to replace: that one is whole until the new one is. Nobody else has it, so that a run can
+// always hold it.
+YRef<DfsFile> makeBeside(YString const & path, DfsMode mode) {
+    YString place;
+    auto file = files().openUnique(YString::joined(sp_GetFullPath(path), {".new-"}), &place);
+    if (file == nullptr) return nullptr;
+    if (mode == DfsMode::create) lockForWriting(file->descriptor());
+    return std::make_shared<DfsFile>(std::move(file), path, mode, place);
+}
+
 bool writeAll(Group & group, YRef<DfsFile> const & file) {
     return isUsable(file->openOrCreate(false)) && writeBoot(group, file, BootWriting::saving) && file->flushAll() &&
-           file->sync() && file->close();
+           file->sync() && file->close() && file->takeName();
 }
 
 bool tellNotSaved(YString const & path, MessageHandler & messages) {
@@ -27,32 +37,13 @@ bool tellNotSaved(YString const & path, MessageHandler & messages) {
     return false;
 }
 
-// Beside the file that it is to replace: that one is whole until the new one is.
-bool saveBeside(Group & group, YString const & path, std::unique_ptr<OpenFile> file, YString const & beside,
-                MessageHandler & messages) {
-    auto const streams = std::make_shared<DfsFile>(std::move(file), beside, DfsMode::replace);
-    bool saved = false;
-    try {
-        saved = writeAll(group, streams) && files().replace(beside, path);
-    } catch (...) {
-        streams->close();
-        files().remove(beside);
-        throw;
-    }
-    if (saved) return true;
-    streams->close();
-    files().remove(beside);
-    return tellNotSaved(path, messages);
-}
-
 bool save(Group & group, YString const & path, bool refuseHeld, MessageHandler & messages) {
     YString const target = sp_FollowLinks(path);
     bool const exists = sp_ExistPath(target);
     if (exists && !mayReplace(target, refuseHeld)) return true;
-    YString beside;
-    auto file = files().openUnique(YString::joined(target, {".new-"}), &beside);
-    if (file != nullptr) return saveBeside(group, target, std::move(file), beside, messages);
-    return !exists || tellNotSaved(path, messages);
+    auto const file = makeBeside(target, DfsMode::replace);
+    if (file == nullptr) return !exists || tellNotSaved(path, messages);
+    return writeAll(group, file) || tellNotSaved(path, messages);
 }
 
 // Makes the data file of a run.
@@ -70,9 +61,25 @@ VEC_ERROR createDataFile(Group & group, YString const & unixPath, YRef<MessageHa
     return VEC_OK;
 }
 
+// What writes the old one may be vectors that nobody has any more.
+bool mayReplaceRun(YString const & path) {
+    if (!sp_ExistPath(path) || mayReplace(path, true)) return true;
+    LoosePool::sweep();
+    return mayReplace(path, true);
+}
+
 [[maybe_unused]] bool const registered = (dataFileMakers() = {createDataFile, openGroupFile}, true);
 
 } // namespace
+
+YRef<DfsFile> createDataFileBeside(Group & group, YString const & unixPath) {
+    YString const path = sp_ConvertUnixToLocal(unixPath);
+    auto file = mayReplaceRun(path) ? makeBeside(path, DfsMode::create) : nullptr;
+    if (file == nullptr || !isUsable(file->openOrCreate(false)) || !writeBoot(group, file, BootWriting::run))
+        return nullptr;
+    group.dataFile = std::make_shared<NativeDataFile>(file);
+    return file;
+}
 
 bool vec_SaveGroup(YString const & path, VecSaveGroupOptions options, YRef<MessageHandler> messages) {
     Group * const group = nameSpace().current;

@@ -47,13 +47,23 @@ bool isAt(YString const & path, FileIdentity const & identity) {
 
 DfsFile::DfsFile(YString const & path, DfsMode mode) : DfsFile(openHeld(path, mode), path, mode) {}
 
-DfsFile::DfsFile(std::unique_ptr<OpenFile> file, YString const & path, DfsMode mode)
-    : mode_(mode), path_(sp_GetFullPath(path)), file_(std::move(file)) {}
+DfsFile::DfsFile(std::unique_ptr<OpenFile> file, YString const & path, DfsMode mode, YString const & place)
+    : mode_(mode), path_(sp_GetFullPath(path)), place_(place), file_(std::move(file)) {}
 
 DfsFile::~DfsFile() {
     FileIdentity const own = deleteOnClose_ && file_ != nullptr ? file_->identity() : FileIdentity();
     close();
-    if (deleteOnClose_ && isAt(path_, own)) files().remove(path_);
+    if (!place_.empty())
+        files().remove(place_);
+    else if (deleteOnClose_ && isAt(path_, own))
+        files().remove(path_);
+}
+
+bool DfsFile::takeName() {
+    bool const mustStay = file_ != nullptr && files().open(path_, FileMode::read) != nullptr; // one closed is synced
+    if (!flushAll() || (mustStay && !sync()) || writeFailed_ || !files().replace(place_, path_)) return false;
+    place_ = YString();
+    return true;
 }
 
 bool DfsFile::close() {

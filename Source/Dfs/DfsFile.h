@@ -49,8 +49,9 @@ public:
     static constexpr int mostLinks = 4096;
 
     DfsFile(YString const & path, DfsMode mode);
-    // The same on a file that is open, empty where it is to be written anew. `path` is its name.
-    DfsFile(std::unique_ptr<OpenFile> file, YString const & path, DfsMode mode);
+    // The same on a file that is open, empty where it is to be written anew. `path` is its name. A new one may stand at
+    // another `place` (a full path) until it takes its name; one that never does goes with this object.
+    DfsFile(std::unique_ptr<OpenFile> file, YString const & path, DfsMode mode, YString const & place = {});
     ~DfsFile(); // closes the file
     DfsFile(DfsFile const &) = delete;
     DfsFile & operator=(DfsFile const &) = delete;
@@ -65,6 +66,9 @@ public:
     bool sync();     // what is in the file is on the disk, as far as the machine can tell
     // Flushes everything; nothing can be written or read afterwards. False when the file is not complete.
     bool close();
+    // The file has its name from now on. Another one that had it until now goes only when all that has been written
+    // here is on the disk. False, and that one is as it was, when this file is not complete or cannot have the name.
+    bool takeName();
     void deleteWhenClosed() noexcept { deleteOnClose_ = true; }
     bool writeFailed() const noexcept { return writeFailed_; } // at any time since the file was opened
 
@@ -152,6 +156,7 @@ private:
 
     DfsMode mode_;
     YString path_;
+    YString place_; // where the file is until it takes its name; else empty
     std::unique_ptr<OpenFile> file_;
     std::uint64_t fileSize_ = 0; // of a file that is only read, when its directory was read
     bool isReady_ = false;

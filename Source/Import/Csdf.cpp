@@ -1,9 +1,9 @@
 #include "Import/Csdf.h"
 
-#include "Groups/GroupStore.h"
 #include "Import/CsdfHeader.h"
 #include "Import/CsdfRows.h"
 #include "Import/CsdfTokeniser.h"
+#include "Import/GroupBeingRead.h"
 #include "Import/OutputFile.h"
 #include "Import/SignalName.h"
 #include "Import/UniqueNames.h"
@@ -48,7 +48,7 @@ YString withoutCommas(YString const & name) {
 
 class SectionReader {
 public:
-    SectionReader(CsdfTokeniser & tokeniser, Group * group, OutputFile const & output, std::int64_t bufferBytes)
+    SectionReader(CsdfTokeniser & tokeniser, Group * group, OutputFile & output, std::int64_t bufferBytes)
         : tokeniser_(tokeniser), group_(group), output_(output), uniqueName_(*group), bufferBytes_(bufferBytes) {}
 
     CsdfResult read() {
@@ -113,7 +113,7 @@ private:
 
     CsdfTokeniser & tokeniser_;
     Group * const group_;
-    OutputFile const & output_;
+    OutputFile & output_;
     UniqueNames uniqueName_;
     std::int64_t const bufferBytes_; // for all vectors
     int vectorBytes_ = 0;            // for each
@@ -131,11 +131,13 @@ char const * csdfReason(CsdfResult result) noexcept {
     return "Unknown";
 }
 
-CsdfResult readCsdfSection(CsdfTokeniser & tokeniser, Group * group, OutputFile const & output,
-                           std::int64_t bufferBytes, MessageHandler & messages) {
+CsdfResult readCsdfSection(CsdfTokeniser & tokeniser, Group * group, OutputFile & output, std::int64_t bufferBytes,
+                           MessageHandler & messages) {
     CsdfResult const result = SectionReader(tokeniser, group, output, bufferBytes).read();
-    if (result == CsdfResult::done || result == CsdfResult::unfinished)
-        listRestoredGroup(group, YString(group->name), false, messages);
+    if (result == CsdfResult::done || result == CsdfResult::unfinished) {
+        output.finish();
+        listAsRead(group, messages);
+    }
     tokeniser.skipWhiteSpace();
     return result;
 }

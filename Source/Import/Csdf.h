@@ -23,5 +23,5 @@ char const * csdfReason(CsdfResult result) noexcept;
 // Reads the section that begins at the tokeniser's position into a group that is not listed yet. With `done` and
 // `unfinished` the group has been listed under its final name; otherwise it holds what had been made so far and is the
 // caller's to dispose of. `bufferBytes` is the budget for the buffers of all vectors together. Nothing is reported.
-CsdfResult readCsdfSection(CsdfTokeniser & tokeniser, Group * group, OutputFile const & output,
-                           std::int64_t bufferBytes, MessageHandler & messages);
+CsdfResult readCsdfSection(CsdfTokeniser & tokeniser, Group * group, OutputFile & output, std::int64_t bufferBytes,
+                           MessageHandler & messages);

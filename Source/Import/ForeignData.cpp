@@ -21,12 +21,14 @@ bool readTextFile(tvfstream & stream, Group * group, VecOpenGroupOptions options
 }
 
 bool readSpice2File(tvfstream & stream, Group * group, VecOpenGroupOptions, MessageHandler & messages) {
-    return readSpice2(stream, group, OutputFile(), messages);
+    OutputFile none;
+    return readSpice2(stream, group, none, messages);
 }
 
 bool readSpice3File(tvfstream & stream, Group * group, VecOpenGroupOptions, MessageHandler & messages) {
     constexpr std::int32_t bufferBytes = 1024;
-    return readSpice3(stream, group, OutputFile(), bufferBytes, messages) == Spice3Result::done;
+    OutputFile none;
+    return readSpice3(stream, group, none, bufferBytes, messages) == Spice3Result::done;
 }
 
 bool readPSpiceFile(tvfstream & stream, Group * group, VecOpenGroupOptions, MessageHandler & messages) {

@@ -1,7 +1,8 @@
 #include "Import/OutputFile.h"
 
+#include "DataFiles/DataFiles.h"
+#include "DataFiles/StreamBacking.h"
 #include "Dfs/FileHeader.h"
-#include "Groups/GroupStore.h"
 
 #include <sys/stat.h>
 
@@ -21,8 +22,12 @@ bool mayWrite(YString const & path, OutputFile::Replaces replaces) {
 
 } // namespace
 
-void OutputFile::attachTo(Group & group) const {
+void OutputFile::attachTo(Group & group) {
     if (!isWanted()) return;
-    if (mayWrite(path_, replaces_) && createDataFile(group, path_, false, messages_) == VEC_OK) return;
-    messages_->warning("Cannot create data file '%s'. The data are kept in memory", path_);
+    if (mayWrite(path_, replaces_)) file_ = createDataFileBeside(group, path_);
+    if (file_ == nullptr) messages_->warning("Cannot create data file '%s'. The data are kept in memory", path_);
+}
+
+void OutputFile::finish() {
+    if (file_ != nullptr && !file_->takeName()) throwWriteFailure(file_->path());
 }

@@ -1,19 +1,19 @@
 #include "Import/PSpice.h"
 
-#include "Groups/GroupStore.h"
 #include "Import/BinaryInput.h"
+#include "Import/GroupBeingRead.h"
 #include "Import/SignalName.h"
 #include "Import/UniqueNames.h"
 
 namespace {
 
-bool readLayout(tvfstream & stream, Group * group) {
+bool readLayout(tvfstream & stream, Group * group, MessageHandler & messages) {
     switch (int const marker = stream.get()) {
     case PSpiceMarker::flat401:
     case PSpiceMarker::flat404:
     case PSpiceMarker::flat51: return readPSpiceFlat(stream, group, static_cast<std::uint8_t>(marker));
-    case PSpiceMarker::records92: return readPSpiceRecords(stream, group, false);
-    case PSpiceMarker::records100: return readPSpiceRecords(stream, group, true);
+    case PSpiceMarker::records92: return readPSpiceRecords(stream, group, false, messages);
+    case PSpiceMarker::records100: return readPSpiceRecords(stream, group, true, messages);
     default: return false;
     }
 }
@@ -27,8 +27,8 @@ bool convertName(YString const & text, bool isReference, SignalName & signal) {
 } // namespace
 
 bool readPSpice(tvfstream & stream, Group * group, MessageHandler & messages) {
-    if (!readLayout(stream, group)) return false;
-    listRestoredGroup(group, YString(group->name), false, messages);
+    if (!readLayout(stream, group, messages)) return false;
+    listAsRead(group, messages);
     return true;
 }
 

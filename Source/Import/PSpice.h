@@ -17,7 +17,7 @@ bool readPSpice(tvfstream & stream, Group * group, MessageHandler & messages);
 
 // --- the two layouts, from behind the marker. They name the group but do not list it.
 bool readPSpiceFlat(tvfstream & stream, Group * group, std::uint8_t marker);
-bool readPSpiceRecords(tvfstream & stream, Group * group, bool wideFrames);
+bool readPSpiceRecords(tvfstream & stream, Group * group, bool wideFrames, MessageHandler & messages);
 
 // What a header says of the values.
 struct PSpiceShape {

@@ -68,6 +68,7 @@ public:
           fileSize_(static_cast<std::int64_t>(stream.getFileSize())) {}
 
     bool read() { return skipFirst() && readHeader() && readNames() && readData(); }
+    bool isCut() const noexcept { return sweepIsCut_; } // values of the sweep are missing at the end of the file
 
 private:
     Frame readFrame() {
@@ -95,16 +96,20 @@ private:
         constexpr std::int64_t largest = 50000;
         Frame const frame = readFrame();
         if (frame.type != 'H' || frame.size < frameBytes_ || frame.size > largest) return false;
-        takeEntries(headerText(frame.size));
+        takeEntries(headerText(static_cast<std::size_t>(frame.size)));
         if (input_.failed() || header_.dataType != 0) return false;
         group_->name = YString::joined("pspice", {YString(nextGroupNumber++)});
         return countsFit();
     }
 
-    // Writers of wide frames differ in whether they count the frame as wide; the letter of the next record tells.
-    std::string headerText(std::int64_t size) {
-        std::string text = input_.bytes(static_cast<std::size_t>(size - frameBytes_));
-        if (frameBytes_ == wideFrame && stream_.peek() != 'N') text += input_.bytes(wideFrame - shortFrame);
+    // A wide frame counts as a short one here. A writer that counts it as what it is has the letter of the next record
+    // that much earlier.
+    std::string headerText(std::size_t size) {
+        std::string text = input_.bytes(size - shortFrame);
+        std::size_t const wholeFrame = size - static_cast<std::size_t>(frameBytes_);
+        if (stream_.peek() == 'N' || wholeFrame >= text.size() || text[wholeFrame] != 'N') return text;
+        stream_.seekg(static_cast<std::int64_t>(wholeFrame) - static_cast<std::int64_t>(text.size()), 1);
+        text.resize(wholeFrame);
         return text;
     }
 
@@ -140,7 +145,7 @@ private:
     // Up to the last records of both kinds, or to anything that is no record of data.
     bool readData() {
         bool sweepDone = false, analysisDone = false;
-        while (!(sweepDone && analysisDone) && stream_.peek() >= 0) {
+        while (!(sweepDone && analysisDone) && !sweepIsCut_ && stream_.peek() >= 0) {
             Frame const frame = readFrame();
             if (frame.type == 'S') {
                 if (!readSweep(frame.size - frameBytes_)) return false;
@@ -157,14 +162,17 @@ private:
         return true;
     }
 
+    // Of one that the end of the file cuts the whole values count.
     bool readSweep(std::int64_t bytes) {
-        constexpr std::int64_t valueBytes = sizeof(double), most = 512;
+        constexpr std::size_t valueBytes = sizeof(double), most = 512;
         if (input_.failed() || bytes < 0) return false;
         double values[most];
-        for (std::int64_t left = bytes / valueBytes; left > 0; left -= most) {
-            auto const wanted = static_cast<std::size_t>(std::min(left, most) * valueBytes);
-            if (stream_.read(reinterpret_cast<char *>(values), wanted) != wanted) return false;
-            appendSweep(values, std::min(left, most));
+        for (std::size_t left = static_cast<std::size_t>(bytes) / valueBytes; left > 0 && !sweepIsCut_;) {
+            std::size_t const wanted = std::min(left, most);
+            std::size_t const got = stream_.read(reinterpret_cast<char *>(values), wanted * valueBytes) / valueBytes;
+            appendSweep(values, static_cast<std::int64_t>(got));
+            sweepIsCut_ = got != wanted;
+            left -= got;
         }
         return true;
     }
@@ -197,10 +205,14 @@ private:
     RecordsHeader header_;
     YArray<dvec *> vectors_; // in file order; the group owns them
     std::int64_t sweepRows_ = 0, analysisRows_ = 0;
+    bool sweepIsCut_ = false;
 };
 
 } // namespace
 
-bool readPSpiceRecords(tvfstream & stream, Group * group, bool wideFrames) {
-    return RecordsReader(stream, group, wideFrames).read();
+bool readPSpiceRecords(tvfstream & stream, Group * group, bool wideFrames, MessageHandler & messages) {
+    RecordsReader reader(stream, group, wideFrames);
+    if (!reader.read()) return false;
+    if (reader.isCut()) messages.warning("Possible missing data in PSpice data file");
+    return true;
 }

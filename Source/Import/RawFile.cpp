@@ -33,9 +33,10 @@ public:
     // A file that is none is told of, but does not count as a failure, and its group is there.
     bool readSpice2File() {
         GroupBeingRead const group = newGroup();
-        if (!readSpice2(stream_, group.get(), outputOf(0), *messages_)) {
+        OutputFile output = outputOf(0);
+        if (!readSpice2(stream_, group.get(), output, *messages_)) {
             messages_->error("Spice2 raw data file read failed because of incorrect format");
-            listRestoredGroup(group.get(), YString(group->name), false, *messages_);
+            listAsRead(group.get(), *messages_);
         }
         return true;
     }
@@ -43,7 +44,8 @@ public:
     bool readSpice3Sets() {
         for (int n = 0; stream_.peek() >= 0; ++n) {
             GroupBeingRead const group = newGroup();
-            Spice3Result const result = readSpice3(stream_, group.get(), outputOf(n), budget_, *messages_);
+            OutputFile output = outputOf(n);
+            Spice3Result const result = readSpice3(stream_, group.get(), output, budget_, *messages_);
             if (result != Spice3Result::done) return isEndOfSets(n, result);
         }
         return true;
@@ -59,7 +61,8 @@ public:
         std::int64_t const bufferBytes = std::min<std::int64_t>(budget_, fileSize + fileSize / 2);
         for (int n = 0; !tokeniser.isAtEnd(); ++n) {
             GroupBeingRead const group = newGroup();
-            CsdfResult const result = readCsdfSection(tokeniser, group.get(), outputOf(n), bufferBytes, *messages_);
+            OutputFile output = outputOf(n);
+            CsdfResult const result = readCsdfSection(tokeniser, group.get(), output, bufferBytes, *messages_);
             if (result != CsdfResult::done) return isEndOfSections(n, result);
         }
         return true;

@@ -1,6 +1,6 @@
 #include "Import/Spice2.h"
 
-#include "Groups/GroupStore.h"
+#include "Import/GroupBeingRead.h"
 #include "Import/OutputFile.h"
 #include "Import/PointBlock.h"
 #include "Import/UniqueNames.h"
@@ -152,11 +152,12 @@ private:
 
 } // namespace
 
-bool readSpice2(tvfstream & stream, Group * group, OutputFile const & output, MessageHandler & messages) {
+bool readSpice2(tvfstream & stream, Group * group, OutputFile & output, MessageHandler & messages) {
     Spice2Reader reader(stream, group, !output.isWanted());
     if (!reader.readHeader()) return false;
     output.attachTo(*group);
     reader.readValues();
-    listRestoredGroup(group, YString(group->name), false, messages);
+    output.finish();
+    listAsRead(group, messages);
     return true;
 }

@@ -1,13 +1,13 @@
 #include "Import/Spice3.h"
 
-#include "Groups/GroupStore.h"
+#include "Import/GroupBeingRead.h"
 #include "Import/OutputFile.h"
 #include "Import/Spice3Header.h"
 #include "Import/Spice3Values.h"
 #include "Import/Spice3Variables.h"
 #include "support/Streams.h"
 
-Spice3Result readSpice3(tvfstream & stream, Group * group, OutputFile const & output, std::int32_t bufferBytes,
+Spice3Result readSpice3(tvfstream & stream, Group * group, OutputFile & output, std::int32_t bufferBytes,
                         MessageHandler & messages) {
     Spice3Header header;
     Spice3Result result = readSpice3Header(stream, header);
@@ -21,6 +21,8 @@ Spice3Result readSpice3(tvfstream & stream, Group * group, OutputFile const & ou
     if (result != Spice3Result::done) return result;
     output.attachTo(*group);
     result = readSpice3Values(stream, header, vectors);
-    if (result == Spice3Result::done) listRestoredGroup(group, header.groupName, false, messages);
-    return result;
+    if (result != Spice3Result::done) return result;
+    output.finish();
+    listAsRead(group, messages);
+    return Spice3Result::done;
 }

@@ -22,5 +22,5 @@ enum class [[nodiscard]] Spice3Result : int{
 // Fills a group that is not listed yet. With `done` the group has been listed under its final name; otherwise it holds
 // what had been made so far and is the caller's to dispose of. `bufferBytes` is the budget for the buffers of all
 // vectors together; memory is taken ahead only for values that go to no file.
-Spice3Result readSpice3(tvfstream & stream, Group * group, OutputFile const & output, std::int32_t bufferBytes,
+Spice3Result readSpice3(tvfstream & stream, Group * group, OutputFile & output, std::int32_t bufferBytes,
                         MessageHandler & messages);

@@ -64,10 +64,12 @@ private:
         block_.flush();
     }
 
-    // The rest of the file may go on like this.
+    // The rest of the file may go on like this. It may also be a hole, for which memory must not be wanted in earnest.
     void expectRows(std::size_t rows, std::size_t bytes) {
+        constexpr double mostValues = 32 << 20; // from there on growing costs little
         std::int64_t const rest = static_cast<std::int64_t>(stream_.getFileSize()) - stream_.tellg();
-        double const more = static_cast<double>(rest) / static_cast<double>(bytes) * static_cast<double>(rows);
+        double const guess = static_cast<double>(rest) / static_cast<double>(bytes) * static_cast<double>(rows);
+        double const more = std::min(guess, mostValues / static_cast<double>(vectors_.size()));
         for (dvec * vector : vectors_) vector->expectVals(static_cast<std::int64_t>(more) + rowsToJudgeBy);
         foreseen_ = true;
     }

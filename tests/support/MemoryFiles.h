@@ -27,8 +27,8 @@ public:
     std::unique_ptr<OpenFile> open(YString const & path, FileMode mode) override {
         std::string const name(path.view());
         auto known = contents.find(name);
-        if (known == contents.end() && mode != FileMode::create) {
-            errno = ENOENT;
+        if (known == contents.end() && (mode != FileMode::create || !takesNew)) {
+            errno = takesNew ? ENOENT : EACCES;
             return nullptr;
         }
         if (known == contents.end()) known = contents.emplace(name, newContent()).first;
@@ -39,6 +39,7 @@ public:
         return open(*path, FileMode::create);
     }
     bool replace(YString const & from, YString const & to) override {
+        if (!canReplace) return false;
         contents[std::string(to.view())] = contents.at(std::string(from.view()));
         return remove(from);
     }
@@ -62,6 +63,8 @@ public:
     std::map<std::string, std::shared_ptr<Content>> contents;
     std::vector<Write> writes; // while records
     bool records = false;
+    bool takesNew = true;   // files that were not there
+    bool canReplace = true; // names can change
 
 private:
     class File final : public OpenFile {

@@ -24,10 +24,13 @@ protected:
         for (char const * word : words) EXPECT_NE(said.find(word), std::string::npos) << word << "\n" << said;
     }
 
-    static std::string spice2(char format = 4) {
-        std::string text = "a title" + std::string(73, ' ') + "05/06/7809:10:11" + std::string("\2\0", 2);
+    static std::string spice2(char format = 4, char padding = ' ') {
+        auto field = [padding](std::string text, std::size_t width) {
+            return text.append(width - text.size(), padding);
+        };
+        std::string text = field("a title", 80) + field("today", 8) + "09:10:11" + std::string("\2\0", 2);
         text += format;
-        text += std::string(1, '\0') + "time    12      " + std::string(2 + 8 + 22, ' ');
+        text += std::string(1, '\0') + field("time", 8) + field("12", 8) + std::string(2 + 8 + 22, ' ');
         for (double const number : {0.0, 1.0, 2.0, 3.0}) text.append(reinterpret_cast<char const *>(&number), 8);
         return text;
     }
@@ -54,11 +57,25 @@ TEST_F(TvshFiles, BinaryFilesAreKnownByTheirLayout) {
     std::string const path = file("old.raw", spice2());
     std::filesystem::rename(path, folder / "named.csv");
     EXPECT_EQ(value((folder / "named.csv").string(), "sum(time)"), "sum(time) = 2 s\n");
+    EXPECT_EQ(value(file("nul.raw", spice2(4, '\0')), "sum(time)"), "sum(time) = 2 s\n");
 }
 
 TEST_F(TvshFiles, CsdfAndQuadrelAreKnownByTheirFirstLines) {
     EXPECT_EQ(value(file("x.csd", csdf()), "OUT[1]"), "OUT[1] = 6 V\n");
+    EXPECT_EQ(value(file("y.csd", std::string(100, '\n') + " #h" + csdf().substr(2)), "OUT[1]"), "OUT[1] = 6 V\n");
     EXPECT_EQ(value(file("x.qdl", quadrel()), "OUT[1]"), "OUT[1] = 2 V\n");
+}
+
+TEST_F(TvshFiles, EverySetOfASpice3FileIsFoundHoweverItsKeysAreWritten) {
+    std::string const set = contentOf(rawFile());
+    for (char const * key : {"Variables:", "VARIABLES:", " \tvariables :", "Vari\rables:"}) {
+        std::string second = set;
+        second.replace(second.find("\nVariables:") + 1, 10, key);
+        Outcome const outcome = run({"list", file("two.raw", set + second)});
+        EXPECT_EQ(outcome.status, done) << outcome.err;
+        std::size_t const first = outcome.out.find("Group ");
+        EXPECT_NE(outcome.out.find("Group ", first + 1), std::string::npos) << key << "\n" << outcome.out;
+    }
 }
 
 TEST_F(TvshFiles, PSpiceFilesAreKnownByTheirSignature) {

@@ -58,20 +58,30 @@ bool isPSpice(Head const & head) {
 }
 
 bool isCsdf(Head const & head) {
-    auto const lines = firstLines(head, 50);
-    auto const first =
-        std::find_if(lines.begin(), lines.end(), [](std::string const & l) { return !wordsOf(l, " \t\r").empty(); });
-    return first != lines.end() && wordsOf(*first, " \t\r").front() == "#H";
+    auto const words = wordsOf(head.bytes, " \t\r\n=;:/");
+    return !words.empty() && equalNoCase(words.front(), "#H");
+}
+
+// Texts of so many bytes each, which are filled up with blanks or NULs.
+bool arePrintableFields(std::string_view fields, std::size_t width) {
+    for (; !fields.empty(); fields.remove_prefix(std::min(width, fields.size()))) {
+        std::string_view const field = fields.substr(0, width);
+        std::string_view const text = field.substr(0, field.find('\0'));
+        if (!isPrintable(text) || field.find_first_not_of('\0', text.size()) != field.npos) return false;
+    }
+    return true;
 }
 
 // A printable title, date and time, at least one variable, the known format, printable names, and room for them.
 bool isSpice2(Head const & head) {
-    constexpr std::size_t names = 100, nameBytes = 8;
+    constexpr std::size_t titleBytes = 80, dates = 96, names = 100, nameBytes = 8;
     if (head.bytes.size() < names + nameBytes) return false;
-    std::uintmax_t const variables = head.word(96);
+    std::string_view const bytes = head.bytes;
+    std::uintmax_t const variables = head.word(dates);
     return variables != 0 && head.word(98) == 4 && names + nameBytes * variables <= head.fileSize &&
-           isPrintable(std::string_view(head.bytes).substr(0, 96)) &&
-           isPrintable(std::string_view(head.bytes).substr(names, nameBytes * variables));
+           bytes[names] > ' ' && arePrintableFields(bytes.substr(0, titleBytes), titleBytes) &&
+           arePrintableFields(bytes.substr(titleBytes, dates - titleBytes), nameBytes) &&
+           arePrintableFields(bytes.substr(names, nameBytes * variables), nameBytes);
 }
 
 bool isCount(std::string const & line) {
@@ -103,7 +113,7 @@ bool isTextTable(Head const & head) {
     return std::any_of(lines.begin(), lines.end(), beginsWithNumber);
 }
 
-// The keyed lines of the header hold both counts, and only those keys that simulators write.
+// Up to "Variables:" there are lines with a key and blank ones only, and both counts are among them.
 bool readSpice3Header(std::istream & in, std::string & line) {
     int counts = 0;
     while (readLine(in, line)) {
@@ -123,6 +133,15 @@ FileForm spice3Form(std::istream & in) {
         else if (isKey(line, {"Values"}))
             break;
     return FileForm::spice3;
+}
+
+// Whether what stands before a colon is the key that each header ends with, and nothing else on its line.
+bool endsInVariables(std::string_view text) {
+    constexpr std::string_view key = "variables";
+    std::string line(text.substr(text.rfind('\n') + 1));
+    std::erase(line, '\r');
+    auto const words = wordsOf(line, " \t:");
+    return words.size() == 1 && equalNoCase(words.front(), key);
 }
 
 struct FormRow {
@@ -169,18 +188,20 @@ FileForm fileForm(std::string const & path) {
 }
 
 int countDataSets(std::string const & path) {
-    constexpr std::string_view mark = "\nVariables:"; // one in each header; only the mark's own bytes are carried over
-    constexpr std::size_t pieceBytes = std::size_t{1} << 20;
+    constexpr std::size_t pieceBytes = std::size_t{1} << 20, mostLooked = 256;
     std::ifstream in(path, std::ios::binary);
-    std::string piece = "\n";
+    std::string piece;
     int count = 0;
     while (in) {
         std::size_t const kept = piece.size();
         piece.resize(kept + pieceBytes);
         in.read(piece.data() + kept, pieceBytes);
         piece.resize(kept + static_cast<std::size_t>(in.gcount()));
-        for (auto at = piece.find(mark); at != std::string::npos; at = piece.find(mark, at + mark.size())) ++count;
-        piece.erase(0, piece.size() - std::min(piece.size(), mark.size() - 1));
+        for (auto colon = piece.find(':', kept); colon != std::string::npos; colon = piece.find(':', colon + 1)) {
+            std::size_t const looked = std::min(colon, mostLooked);
+            if (endsInVariables(std::string_view(piece).substr(colon - looked, looked))) ++count;
+        }
+        piece.erase(0, piece.size() - std::min(piece.size(), mostLooked));
     }
     return count;
 }

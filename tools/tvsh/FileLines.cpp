@@ -22,7 +22,8 @@ std::string_view keyOf(std::string_view line) {
     auto const colon = line.find(':');
     if (colon == std::string_view::npos) return {};
     std::string_view const key = line.substr(0, colon);
-    return key.substr(std::min(key.find_first_not_of(" \t"), key.size()));
+    auto const first = std::min(key.find_first_not_of(" \t"), key.size());
+    return key.substr(first, key.find_last_not_of(" \t") + 1 - first);
 }
 
 bool isKey(std::string_view line, std::initializer_list<std::string_view> keys) {

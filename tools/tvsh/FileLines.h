@@ -11,7 +11,7 @@
 // A line without its end, or the front of a long one. False at the end of the file, and in a line beyond any measure.
 bool readLine(std::istream & in, std::string & line);
 
-// The text before the first colon, without the blanks ahead of it; empty when there is no colon.
+// The text before the first colon, without the blanks around it; empty when there is no colon.
 std::string_view keyOf(std::string_view line);
 bool isKey(std::string_view line, std::initializer_list<std::string_view> keys);
 

@@ -205,6 +205,10 @@ bool openFile(std::string const & argument, std::shared_ptr<ConsoleMessages> con
 }
 
 bool canWriteFile(std::string const & path, MessageHandler & messages) {
+    if (path.empty()) {
+        messages.error("Cannot write file '': a file without a name");
+        return false;
+    }
     std::filesystem::path const file(path);
     std::error_code problem;
     auto const status = std::filesystem::status(file, problem);
@@ -212,7 +216,7 @@ bool canWriteFile(std::string const & path, MessageHandler & messages) {
     auto const folder = file.has_parent_path() ? file.parent_path() : std::filesystem::path(".");
     char const * const asked = exists ? file.c_str() : folder.c_str();
     bool const isFile = !exists || std::filesystem::is_regular_file(status);
-    if (!path.empty() && isFile && access(asked, W_OK) == 0) return true;
+    if (isFile && access(asked, W_OK) == 0) return true;
     messages.error("Cannot write file '%s': %s", path.c_str(),
                    isFile ? std::strerror(errno) : "it is a folder, a device or a pipe");
     return false;

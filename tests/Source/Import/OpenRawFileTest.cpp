@@ -1,11 +1,10 @@
+#include "torvelan/Exceptions.h"
 #include "torvelan/ForeignData.h"
 
-#include "Dfs/FileHeader.h"
 #include "OpenRawFixture.h"
 #include "RawFileFixture.h"
 #include "Spice2File.h"
 
-#include <filesystem>
 #include <sys/stat.h>
 
 namespace {
@@ -26,8 +25,8 @@ TEST_F(OpenRawFileTest, EachSetGetsAGroupAndADataFile) {
     ASSERT_TRUE(openRaw(RawFile().text() + second.text() + second.text()));
     EXPECT_THAT(texts(), IsEmpty());
     EXPECT_THAT(groupNames(), SizeIs(3));
-    EXPECT_THAT(events, ElementsAre("out.tvdat for 2 vectors of spice3", "out_1.tvdat for 2 vectors of spice3",
-                                    "out_2.tvdat for 2 vectors of spice3"));
+    EXPECT_THAT(dataFiles(), ElementsAre("out.tvdat", "out_1.tvdat", "out_2.tvdat"));
+    EXPECT_EQ(newest()->dataFile->path(), YString(fullPath("out_2.tvdat")));
     EXPECT_THAT(realsOf(*newest()->find("out")), ElementsAre(8, 10));
     EXPECT_EQ(newest()->runId, 0u);
 }
@@ -35,12 +34,11 @@ TEST_F(OpenRawFileTest, EachSetGetsAGroupAndADataFile) {
 TEST_F(OpenRawFileTest, NumberGoesBeforeTheExtensionWhateverTheSeparator) {
     std::string const text = RawFile().text() + RawFile().text();
     for (auto const & [output, second] :
-         std::vector<std::pair<char const *, std::string>>{{"c:\\data\\x.tvdat", "c:\\data\\x_1.tvdat"},
-                                                           {"a.b/c", "a.b/c_1"},
-                                                           {"a\\b.c\\d.e.f", "a\\b.c\\d.e_1.f"}}) {
+         std::vector<std::pair<char const *, char const *>>{{"c:\\data\\x.tvdat", "c:\\data\\x_1.tvdat"},
+                                                            {"a.b/c", "a.b/c_1"},
+                                                            {"a\\b.c\\d.e.f", "a\\b.c\\d.e_1.f"}}) {
         ASSERT_TRUE(openRaw(text, output));
-        ASSERT_THAT(events, SizeIs(2));
-        EXPECT_THAT(events[1], HasSubstr(second + " for"));
+        EXPECT_EQ(newest()->dataFile->path(), sp_GetFullPath(sp_ConvertUnixToLocal(second)));
     }
 }
 
@@ -64,10 +62,50 @@ TEST_F(OpenRawFileTest, BadLaterSetIsRefusedAndTheOnesBeforeStay) {
     EXPECT_FALSE(openRaw(RawFile().text() + bad.text()));
     EXPECT_THAT(texts(), ElementsAre(generalFailure));
     EXPECT_THAT(groupNames(), SizeIs(1));
-    EXPECT_THAT(events, ElementsAre("out.tvdat for 2 vectors of spice3", "out_1.tvdat for 2 vectors of spice3",
-                                    "out_1.tvdat marked", "out_1.tvdat closed"));
+    EXPECT_THAT(dataFiles(), ElementsAre("out.tvdat"));
     EXPECT_FALSE(openRaw(RawFile().text() + "no colon\n"));
     EXPECT_THAT(texts(), ElementsAre(generalFailure));
+}
+
+TEST_F(OpenRawFileTest, OlderFileStaysWholeUntilItsSetIsKnownToBeGood) {
+    RawFile bad;
+    bad.valuesLine = "Binary:\n";
+    for (char const * name : {"out.tvdat", "out_1.tvdat"}) disk_.put(fullPath(name), "an older result");
+    EXPECT_FALSE(openRaw(bad.text()));
+    EXPECT_EQ(disk_.bytes(fullPath("out.tvdat")), "an older result");
+    EXPECT_FALSE(openRaw(RawFile().text() + bad.text()));
+    EXPECT_THAT(dataFiles(), ElementsAre("out.tvdat", "out_1.tvdat"));
+    EXPECT_NE(disk_.bytes(fullPath("out.tvdat")), "an older result");
+    EXPECT_EQ(disk_.bytes(fullPath("out_1.tvdat")), "an older result");
+}
+
+TEST_F(OpenRawFileTest, OlderFileStaysWholeWhenTheDiskFillsUp) {
+    disk_.put(fullPath("out.tvdat"), "an older result");
+    bool done = false;
+    int failures = 0;
+    for (std::uint64_t n = 1; !done && n < 1000; ++n) {
+        disk_.failAt(n, MemoryFiles::Failure::noSpace, true);
+        try {
+            done = openRaw(RawFile().text()) && newest()->dataFile != nullptr;
+        } catch (FatalException const & failure) {
+            EXPECT_THAT(failure.text, HasSubstr("Write failure to data file " + fullPath("out.tvdat")));
+            EXPECT_THAT(groupNames(), IsEmpty());
+            ++failures;
+        }
+        vec_DestroyAllGroups();
+        EXPECT_THAT(dataFiles(), ElementsAre("out.tvdat"));
+        EXPECT_EQ(disk_.bytes(fullPath("out.tvdat")) == "an older result", !done) << n;
+        disk_.failAt(0);
+    }
+    EXPECT_TRUE(done);
+    EXPECT_GT(failures, 0);
+}
+
+TEST_F(OpenRawFileTest, SetWhoseFileCannotTakeItsNameIsNotThere) {
+    disk_.canReplace = false;
+    EXPECT_THROW(openRaw(RawFile().text()), FatalException);
+    EXPECT_THAT(groupNames(), IsEmpty());
+    EXPECT_THAT(dataFiles(), IsEmpty());
 }
 
 TEST_F(OpenRawFileTest, BlankLinesBehindTheLastSetAreItsEnd) {
@@ -109,37 +147,11 @@ TEST_F(OpenRawFileTest, FileThatDoesNotOpenIsNamed) {
 }
 
 TEST_F(OpenRawFileTest, ValuesStayInMemoryWhereNoFileCanBeMade) {
-    canCreate = false;
+    disk_.takesNew = false;
     ASSERT_TRUE(openRaw(RawFile().text(), "%s.tvdat"));
     EXPECT_THAT(texts(), ElementsAre("Cannot create data file '%s.tvdat'. The data are kept in memory"));
     EXPECT_EQ(messages_->levels[0], MessageLevel::warning);
     EXPECT_THAT(realsOf(*newest()->find("out")), ElementsAre(1.5, 2.5));
-}
-
-TEST_F(OpenRawFileTest, NothingIsWrittenThroughALinkNorOverAFileThatNobodyNamed) {
-    namespace fs = std::filesystem;
-    fs::path const folder = fs::temp_directory_path() / ("torvelan-output-" + std::to_string(getpid()));
-    fs::create_directory(folder);
-    auto const second = (folder / "x_1").string();
-    std::string const text = RawFile().text() + RawFile().text();
-    auto warned = [&] {
-        EXPECT_TRUE(openRaw(text, (folder / "x").c_str()));
-        return texts().size();
-    };
-    EXPECT_EQ(warned(), 0u);
-    std::ofstream(folder / "x") << "of the user's choice";
-    EXPECT_EQ(warned(), 0u);
-    std::ofstream(second) << "something else";
-    EXPECT_EQ(warned(), 1u);
-    std::ofstream(second) << makeFileHeader(latestVersion());
-    EXPECT_EQ(warned(), 0u);
-    fs::rename(second, folder / "other");
-    fs::create_symlink("other", second);
-    EXPECT_EQ(warned(), 1u);
-    fs::remove(folder / "x");
-    fs::create_symlink("nowhere", folder / "x");
-    EXPECT_EQ(warned(), 2u);
-    fs::remove_all(folder);
 }
 
 TEST_F(OpenRawFileTest, Spice2FileGoesToOneDataFile) {
@@ -150,9 +162,10 @@ TEST_F(OpenRawFileTest, Spice2FileGoesToOneDataFile) {
     file.values = Spice2File::reals({0, 1, 2, 3, 4, 5});
     ASSERT_TRUE(openRaw(file.text(), "x.tvdat", options));
     EXPECT_THAT(texts(), IsEmpty());
-    EXPECT_THAT(events, ElementsAre("x.tvdat for 3 vectors of spice2"));
+    EXPECT_THAT(dataFiles(), ElementsAre("x.tvdat"));
     EXPECT_THAT(realsOf(*newest()->find("12")), ElementsAre(1, 4));
     EXPECT_NE(newest()->runId, 0u);
+    EXPECT_TRUE(newest()->hasRealData);
 }
 
 TEST_F(OpenRawFileTest, BadSpice2FileIsToldOfAndItsGroupStays) {
@@ -165,7 +178,7 @@ TEST_F(OpenRawFileTest, BadSpice2FileIsToldOfAndItsGroupStays) {
         EXPECT_THAT(texts(), ElementsAre("Spice2 raw data file read failed because of incorrect format"));
         EXPECT_TRUE(newest()->name.beginsWith("spice2_"));
         EXPECT_TRUE(newest()->vectors.empty());
-        EXPECT_THAT(events, IsEmpty());
+        EXPECT_THAT(dataFiles(), IsEmpty());
     }
 }
 

@@ -1,26 +1,17 @@
-// Raw files read by vec_OpenRawFile, with data files that only tell what is asked of them.
+// Raw files read by vec_OpenRawFile, with data files in memory.
 #pragma once
 
 #include "ImportFixture.h"
-#include "Source/Groups/DataFileFixture.h"
+#include "support/MemoryFiles.h"
+#include "support/Paths.h"
 
-// Data files are recorded, not made.
 class OpenRawFixture : public ImportFixture {
 protected:
-    OpenRawFixture() {
-        present = this;
-        dataFileMakers().create = create;
-    }
-    ~OpenRawFixture() override {
-        vec_DestroyAllGroups();
-        dataFileMakers() = makers_;
-        present = nullptr;
-    }
+    ~OpenRawFixture() override { vec_DestroyAllGroups(); }
 
     bool openRaw(std::string_view content, char const * output = "out.tvdat", VecOpenRawFileOptions options = {}) {
         file_.rewrite(content);
         messages_->clear();
-        events.clear();
         return vec_OpenRawFile(file_.path(), output, options, messages_);
     }
     static std::vector<std::string> groupNames() {
@@ -31,20 +22,17 @@ protected:
     }
     static Group * newest() { return groupListHead(); }
 
-    Texts events; // of all data files
-    bool canCreate = true;
-
-private:
-    static VEC_ERROR create(Group & group, YString const & path, YRef<MessageHandler> const &) {
-        std::string const vectors = std::to_string(group.vectorsInOrder().size());
-        std::string const kind(group.name.view().substr(0, group.name.view().find('_')));
-        present->events.push_back(std::string(path.view()) + " for " + vectors + " vectors of " + kind);
-        if (!present->canCreate) return VEC_NO_DATA_FILE;
-        group.dataFile = std::make_shared<RecordedDataFile>(std::string(path.view()), present->events);
-        return VEC_OK;
+    static std::string fullPath(char const * name) { return std::string(sp_GetFullPath(name).view()); }
+    // Names of the data files that there are.
+    std::vector<std::string> dataFiles() const {
+        std::vector<std::string> names;
+        std::size_t const folder = fullPath("x").size() - 1;
+        for (auto const & [path, content] : disk_.contents) names.push_back(path.substr(folder));
+        return names;
     }
 
-    static inline OpenRawFixture * present = nullptr;
+    MemoryFiles disk_;
 
-    DataFileMakers const makers_ = dataFileMakers(); // the real ones
+private:
+    FileSystemInUse const inUse_{disk_};
 };

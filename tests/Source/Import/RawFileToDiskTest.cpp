@@ -1,4 +1,6 @@
-#include "OpenRawFixture.h"
+#include "Dfs/FileHeader.h"
+#include "ImportFixture.h"
+#include "RawFileFixture.h"
 #include "torvelan/DataFiles.h"
 
 #include <filesystem>
@@ -57,6 +59,39 @@ TEST_F(RawFileToDiskTest, FileOfARefusedSectionGoes) {
     EXPECT_FALSE(vec_OpenRawFile(file_.path(), pathOf("x.tvdat"), options, messages_));
     EXPECT_TRUE(fs::exists(pathOf("x.tvdat")));
     EXPECT_FALSE(fs::exists(pathOf("x_1.tvdat")));
+}
+
+// A file that the user named may be of any kind, a name that follows from it stands for data files only.
+TEST_F(RawFileToDiskTest, NothingIsWrittenThroughALinkNorOverAFileThatNobodyNamed) {
+    std::string const text = RawFile().text() + RawFile().text();
+    auto warnings = [&] {
+        messages_->clear();
+        file_.rewrite(text);
+        EXPECT_TRUE(vec_OpenRawFile(file_.path(), pathOf("x"), {}, messages_));
+        vec_DestroyAllGroups();
+        return texts().size();
+    };
+    EXPECT_EQ(warnings(), 0u);
+    std::ofstream(pathOf("x")) << "of the user's choice";
+    EXPECT_EQ(warnings(), 0u);
+    std::ofstream(pathOf("x_1")) << "something else";
+    EXPECT_EQ(warnings(), 1u);
+    std::ofstream(pathOf("x_1")) << makeFileHeader(latestVersion());
+    EXPECT_EQ(warnings(), 0u);
+    fs::rename(pathOf("x_1"), pathOf("other"));
+    fs::create_symlink("other", pathOf("x_1"));
+    EXPECT_EQ(warnings(), 1u);
+    fs::remove(pathOf("x"));
+    fs::create_symlink("nowhere", pathOf("x"));
+    EXPECT_EQ(warnings(), 2u);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder_), fs::directory_iterator()), 3);
+}
+
+TEST_F(RawFileToDiskTest, FileThatSomebodyWritesIsLeftAlone) {
+    file_.rewrite(RawFile().text());
+    ASSERT_TRUE(vec_OpenRawFile(file_.path(), pathOf("x"), {}, messages_)); // and is still open
+    ASSERT_TRUE(vec_OpenRawFile(file_.path(), pathOf("x"), {}, messages_));
+    EXPECT_THAT(texts(), ElementsAre("Cannot create data file '" + pathOf("x") + "'. The data are kept in memory"));
 }
 
 } // namespace
