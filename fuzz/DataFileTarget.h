@@ -37,6 +37,18 @@ inline void useVector(dvec & vector) {
     vector.ref.getRange(false);
 }
 
+// A stream that is damaged may take nothing more.
+inline void goOn(Group & group) {
+    try {
+        group.forEachVector([](dvec & vector) {
+            vector.addDivision(YString());
+            vector.addVal(1.0);
+        });
+        if (group.dataFile != nullptr) group.dataFile->update();
+    } catch (FatalException const &) {
+    }
+}
+
 // A file that opens has told no error, one that does not has told at least one; the store has no more groups than it
 // had. What can be opened can be saved and opened again.
 inline void openDataFile(bool update) {
@@ -51,13 +63,7 @@ inline void openDataFile(bool update) {
         if (group->isProtected()) break;
         group->forEachVector(useVector);
         group->postProcessScripts();
-        if (update) {
-            group->forEachVector([](dvec & vector) {
-                vector.addDivision(YString());
-                vector.addVal(1.0);
-            });
-            if (group->dataFile != nullptr) group->dataFile->update();
-        }
+        if (update) goOn(*group);
         destroyGroup(group);
     }
 }

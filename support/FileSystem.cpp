@@ -153,6 +153,14 @@ FileSystem & files() noexcept {
     return *inUse();
 }
 
+void removeFile(YString const & path, FileIdentity const & identity) noexcept {
+    try {
+        auto const there = files().open(path, FileMode::read);
+        if (there != nullptr && there->identity() == identity) files().remove(path);
+    } catch (...) { // without memory it stays
+    }
+}
+
 FileSystemInUse::FileSystemInUse(FileSystem & layer) noexcept : before_(std::exchange(inUse(), &layer)) {}
 
 FileSystemInUse::~FileSystemInUse() {

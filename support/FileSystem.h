@@ -56,6 +56,8 @@ public:
 
 FileSystem & systemFiles() noexcept; // those of the machine
 FileSystem & files() noexcept;       // those in use
+// Removes a file, unless another one has taken its name since.
+void removeFile(YString const & path, FileIdentity const & identity) noexcept;
 // Puts another layer in place for the life of the object. For tests.
 class FileSystemInUse {
 public:

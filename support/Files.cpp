@@ -57,10 +57,13 @@ int openForReading(YString const & path) noexcept {
 bool sp_FileOpenForensicMsg(YString const & path, int mode, YString * text) {
     bool const reads = mode == tvfstream::modeRead || mode == tvfstream::modeReadUntranslated;
     int const error = reads ? readError(path) : writeError(path);
-    if (error == 0) return false;
+    if (error != 0) *text = fileOpenFailureText(path, error);
+    return error != 0;
+}
+
+YString fileOpenFailureText(YString const & path, int error) {
     char const * const reason = strerrordesc_np(error); // the untranslated text
-    *text = YString::joined("Cannot open file '", {path, "': ", reason != nullptr ? reason : "unknown error"});
-    return true;
+    return YString::joined("Cannot open file '", {path, "': ", reason != nullptr ? reason : "unknown error"});
 }
 
 bool sp_ExistFile(YString const & path) {

@@ -1,6 +1,7 @@
 // The exported operations on the data files of groups.
 
 #include "Groups/GroupStore.h"
+#include "support/ReportingMemory.h"
 
 #include <utility>
 
@@ -11,6 +12,28 @@ Group * openedQuietly(YString const & path) {
     return open != nullptr ? open(path, std::make_shared<NullMessageHandler>()) : nullptr;
 }
 
+// Goes with the object, unless a purge has taken it before.
+class OpenedGroup {
+public:
+    explicit OpenedGroup(Group & group) : name_(group.name) {}
+    ~OpenedGroup() {
+        if (Group * group = findGroup(name_)) destroyGroup(group);
+    }
+    OpenedGroup(OpenedGroup const &) = delete;
+    OpenedGroup & operator=(OpenedGroup const &) = delete;
+
+private:
+    YString name_;
+};
+
+// Opening a file may purge old runs, the group itself among them, so the group is sought anew for each file.
+void appendFile(YString const & name, YString const & path) {
+    Group * const opened = openedQuietly(path);
+    if (opened == nullptr) return;
+    OpenedGroup const open(*opened);
+    if (Group * target = findGroup(name)) appendGroup(*target, *opened);
+}
+
 } // namespace
 
 VEC_ERROR vec_InitialiseSimulationGroup(bool createDataFile, YString const & dataFile, YString const & groupName,
@@ -18,13 +41,15 @@ VEC_ERROR vec_InitialiseSimulationGroup(bool createDataFile, YString const & dat
     Group * group = findGroup(groupName);
     if (group == nullptr) return VEC_NO_GROUP;
     if (messages == nullptr) messages = std::make_shared<NullMessageHandler>();
-    return initialiseRun(*group, {createDataFile, dataFile, temporary}, messages, path);
+    return reportingMemory([&] {
+        return initialiseRun(*group, {createDataFile, dataFile, temporary}, messages, path);
+    });
 }
 
 VEC_ERROR vec_DataSent(YString const & name, bool) {
     Group const * group = findGroup(name);
     if (group == nullptr) return VEC_NO_GROUP;
-    if (group->dataFile != nullptr) group->dataFile->update();
+    if (group->dataFile != nullptr) reportingMemory([&] { group->dataFile->update(); });
     return VEC_OK;
 }
 
@@ -39,19 +64,15 @@ VEC_ERROR vec_AppendGroup(YString const & target, YString const & source, YRef<M
     Group * to = findGroup(target);
     Group * from = findGroup(source);
     if (to == nullptr || from == nullptr) return VEC_NO_GROUP;
-    appendGroup(*to, *from);
+    reportingMemory([&] { appendGroup(*to, *from); });
     return VEC_OK;
 }
 
-// Opening a file may purge old runs, the group itself among them, so the group is sought anew for each file.
 VEC_ERROR vec_AppendLinkedDatafiles(YString const & name) {
     Group * group = findGroup(name);
     if (group == nullptr) return VEC_NO_GROUP;
-    for (YString const & path : std::exchange(group->linkedFiles, {})) {
-        Group * opened = openedQuietly(path);
-        if (opened == nullptr) continue;
-        if (Group * target = findGroup(name)) appendGroup(*target, *opened);
-        destroyGroup(opened);
-    }
+    reportingMemory([&] {
+        for (YString const & path : std::exchange(group->linkedFiles, {})) appendFile(name, path);
+    });
     return VEC_OK;
 }

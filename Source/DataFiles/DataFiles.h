@@ -5,15 +5,18 @@
 #include "Groups/GroupStore.h"
 #include "torvelan/DataFiles.h"
 
-// Why a file does not open, as an error. False.
-bool tellWhyNotOpen(YString const & path, MessageHandler & messages);
+// Why a file does not open, as an error; the errno of that says it where asking once more does not. EBUSY is for a file
+// that somebody else writes. False.
+bool tellWhyNotOpen(YString const & path, int error, MessageHandler & messages);
 // "Data file '%s' load failed: " and the words, as an error. False.
 bool tellLoadFailed(YString const & path, char const * words, MessageHandler & messages);
 
 constexpr char const * unexpectedWords = "unexpected error, please contact support";
 constexpr char const * notRestoredWords = "could not restore data. File may be corrupted";
 
-// The last steps with a group that has been read from a file and listed: its run, and where it stays.
+// Whether the file of a group outlives it.
+void setFileStays(Group & group, bool stays) noexcept;
+// The last steps with a group that has been read from a file and listed: its run, and its name.
 void finishRestored(Group * group, YString const & storedName, VecOpenGroupOptions options, YString * groupName);
 
 // Opens a file in the default way. Null when that fails.

@@ -172,7 +172,7 @@ private:
 bool vec_DescribeDataFile(YString const & path, YRef<MessageHandler> messages) {
     if (messages == nullptr) messages = std::make_shared<NullMessageHandler>();
     DfsFile file(path, DfsMode::read);
-    if (!file.isOpen()) return tellWhyNotOpen(path, *messages);
+    if (!file.isOpen()) return tellWhyNotOpen(path, file.openError(), *messages);
     DfsStatus const status = file.openOrCreate(true);
     if (status == DfsStatus::refusedVersion || status == DfsStatus::unknownVersion || status == DfsStatus::unreadable)
         return tellLoadFailed(path, textOf(status), *messages);

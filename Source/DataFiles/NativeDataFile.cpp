@@ -23,7 +23,11 @@ void NativeDataFile::update() {
 
 int NativeDataFile::link(GroupDataFile & other) {
     auto * theirs = dynamic_cast<NativeDataFile *>(&other);
-    return theirs != nullptr ? streams_->addLink(*theirs->streams_) : -1;
+    if (theirs == nullptr) return -1;
+    bool const failedBefore = streams_->writeFailed();
+    int const number = streams_->addLink(*theirs->streams_);
+    if (streams_->writeFailed() && !failedBefore) throwWriteFailure(streams_->path());
+    return number;
 }
 
 void NativeDataFile::writeLinks() {

@@ -50,7 +50,9 @@ private:
 OlderStream::OlderStream(std::unique_ptr<OpenFile> file, YString path, int version)
     : file_(std::move(file)), path_(std::move(path)), version_(version), size_(file_->size()) {}
 
-OlderStream::~OlderStream() = default;
+OlderStream::~OlderStream() {
+    if (deleteOnClose_) removeFile(path_, file_->identity());
+}
 
 bool OlderStream::seek(std::int64_t position) noexcept {
     if (position < 0 || static_cast<std::uint64_t>(position) > size_) return false;

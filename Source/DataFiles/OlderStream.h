@@ -20,6 +20,7 @@ public:
     ~OlderStream() override;
 
     YString path() const override { return path_; }
+    void deleteWhenClosed() override { deleteOnClose_ = true; }
     int version() const noexcept { return version_; }
     std::uint64_t size() const noexcept { return size_; }
     std::uint64_t left() const noexcept { return position_ < size_ ? size_ - position_ : 0; }
@@ -57,6 +58,7 @@ private:
     YString path_;
     int version_;
     std::uint64_t size_;
+    bool deleteOnClose_ = false;
     std::uint64_t position_ = 0;
     std::uint64_t inBlocks_ = 0; // bytes of all blocks that have been read, with their headers
     YVector<char> buffer_;       // bytes of the file from bufferStart_ on

@@ -6,16 +6,17 @@
 #include "Dfs/FileHeader.h"
 #include "support/FileLock.h"
 #include "support/Files.h"
+#include "support/ReportingMemory.h"
 #include "torvelan/Evaluate.h"
 
+#include <cerrno>
 #include <cmath>
-#include <new>
 
 namespace {
 
-HeaderResult readVersion(YString const & path, FileVersion const ** version, bool * opened) {
+HeaderResult readVersion(YString const & path, FileVersion const ** version, int * openError) {
     auto const file = files().open(path, FileMode::read);
-    *opened = file != nullptr;
+    *openError = file == nullptr ? errno : 0;
     if (file == nullptr) return HeaderResult::notDataFile;
     FileHeader header;
     HeaderResult const result = readFileHeader(*file, &header);
@@ -70,15 +71,34 @@ char const * bootWords(BootResult result) noexcept {
     return unexpectedWords;
 }
 
+// The number of the run that the current group has stored.
+bool evaluateRunId(double * value) {
+    return vec_Evaluate(value, ":$$RunId", ScpParseContext(nullptr)) == VEC_EVAL_OK;
+}
+
+bool knowsItsRun() {
+    double value;
+    return evaluateRunId(&value);
+}
+
+// 0 when there is none.
+std::uint32_t storedRunId() {
+    double value = 0;
+    bool const isRunId = evaluateRunId(&value) && std::isfinite(value) && value >= 1 && value <= UINT32_MAX;
+    return isRunId ? static_cast<std::uint32_t>(value) : 0;
+}
+
 bool restore(YRef<DfsFile> const & file, YString const & path, VecOpenGroupOptions options, YString * groupName,
              MessageHandler & messages) {
     UnlistedGroup group(makeUnlistedGroup(YString()));
     group->dataFile = std::make_shared<NativeDataFile>(file);
+    setFileStays(*group, !options.temporary);
     YString storedName;
     BootResult const result = readBoot(*group, file, options.merge, &storedName, messages);
     if (char const * words = bootWords(result)) return tellLoadFailed(path, words, messages);
     if (result == BootResult::laterRevision)
         messages.warning("Data file '%s': file created with a later program version. Some data may be missing", path);
+    if (!options.assignRunId && !knowsItsRun()) group->hasRealData = true;
     finishRestored(group.release(), storedName, options, groupName);
     return true;
 }
@@ -86,37 +106,25 @@ bool restore(YRef<DfsFile> const & file, YString const & path, VecOpenGroupOptio
 bool openCurrentFile(YString const & path, VecOpenGroupOptions options, YString * groupName,
                      MessageHandler & messages) {
     auto const file = std::make_shared<DfsFile>(path, options.update ? DfsMode::update : DfsMode::read);
-    if (!file->isOpen()) return tellWhyNotOpen(path, messages);
+    if (!file->isOpen()) return tellWhyNotOpen(path, file->openError(), messages);
     return setUp(*file, path, messages) && restore(file, path, options, groupName, messages);
 }
 
 bool openAny(YString const & path, VecOpenGroupOptions options, YString * groupName, MessageHandler & messages) {
     FileVersion const * version = nullptr;
-    bool opened = false;
-    HeaderResult const header = readVersion(path, &version, &opened);
-    if (!opened) return tellWhyNotOpen(path, messages);
+    int openError = 0;
+    HeaderResult const header = readVersion(path, &version, &openError);
+    if (openError != 0) return tellWhyNotOpen(path, openError, messages);
     if (char const * words = headerWords(header)) return tellLoadFailed(path, words, messages);
-    if (!options.ignoreLock && isBeingWritten(path)) {
-        messages.error("Cannot read data file '%s' as it is currently being updated", path);
-        return false;
-    }
+    if (!options.ignoreLock && isBeingWritten(path)) return tellWhyNotOpen(path, EBUSY, messages);
     auto const open = version->code < streamVersion ? openOlderFile : openCurrentFile;
     return open(path, options, groupName, messages);
 }
 
-// A number of a run in the vector of that name; 0 when there is none.
-std::uint32_t storedRunId(bool * found) {
-    double value = 0;
-    *found = vec_Evaluate(&value, ":$$RunId", ScpParseContext(nullptr)) == VEC_EVAL_OK;
-    bool const isRunId = std::isfinite(value) && value >= 1 && value <= UINT32_MAX;
-    return *found && isRunId ? static_cast<std::uint32_t>(value) : 0;
-}
-
-void giveRun(Group * group, bool assign) {
-    bool found;
-    std::uint32_t const stored = storedRunId(&found);
-    if (assign) setRunId(group, stored != 0 ? stored : newRunId());
-    if (assign || !found) group->hasRealData = true;
+void assignRun(Group * group) {
+    std::uint32_t const stored = storedRunId();
+    setRunId(group, stored != 0 ? stored : newRunId());
+    group->hasRealData = true;
 }
 
 // In place of the group that has the stored name. Answers the one that is left.
@@ -130,12 +138,14 @@ Group * mergeInto(Group * group, YString const & storedName) {
 
 } // namespace
 
-bool tellWhyNotOpen(YString const & path, MessageHandler & messages) {
+bool tellWhyNotOpen(YString const & path, int error, MessageHandler & messages) {
     YString reason;
-    if (sp_FileOpenForensicMsg(path, 0, &reason))
+    if (error == EBUSY)
+        messages.error("Cannot read data file '%s' as it is currently being updated", path);
+    else if (sp_FileOpenForensicMsg(path, 0, &reason))
         messages.error("%s", reason);
     else
-        messages.error("Cannot read data file '%s' as it is currently being updated", path);
+        messages.error("%s", fileOpenFailureText(path, error));
     return false;
 }
 
@@ -144,10 +154,13 @@ bool tellLoadFailed(YString const & path, char const * words, MessageHandler & m
     return false;
 }
 
+void setFileStays(Group & group, bool stays) noexcept {
+    group.keepDataFile = stays;
+    group.dataFileTemporary = !stays;
+}
+
 void finishRestored(Group * group, YString const & storedName, VecOpenGroupOptions options, YString * groupName) {
-    group->keepDataFile = !options.temporary;
-    group->dataFileTemporary = options.temporary;
-    giveRun(group, options.assignRunId);
+    if (options.assignRunId) assignRun(group);
     if (options.merge) group = mergeInto(group, storedName);
     if (groupName != nullptr) *groupName = group->name;
 }
@@ -155,11 +168,7 @@ void finishRestored(Group * group, YString const & storedName, VecOpenGroupOptio
 bool vec_OpenGroup(YString const & path, VecOpenGroupOptions options, YString * groupName,
                    YRef<MessageHandler> messages) {
     if (messages == nullptr) messages = std::make_shared<NullMessageHandler>();
-    try {
-        return openAny(path, options, groupName, *messages);
-    } catch (std::bad_alloc const &) {
-        throw MemoryException("Vector allocation failed");
-    }
+    return reportingMemory([&] { return openAny(path, options, groupName, *messages); });
 }
 
 Group * openGroupFile(YString const & path, YRef<MessageHandler> const & messages) {

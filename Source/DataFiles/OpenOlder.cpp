@@ -5,8 +5,10 @@
 #include "DataFiles/ReadVectors.h"
 #include "DataFiles/VectorFileAccess.h"
 #include "Dfs/FileHeader.h"
+#include "support/SeededHash.h"
 #include "torvelan/Messages.h"
 
+#include <cerrno>
 #include <memory>
 #include <unordered_map>
 
@@ -165,7 +167,7 @@ private:
 
     OlderStream & stream;
     Group & group;
-    std::unordered_map<std::int64_t, std::unique_ptr<VectorRep, ReleaseRecord>> records; // by dataId
+    std::unordered_map<std::int64_t, std::unique_ptr<VectorRep, ReleaseRecord>, SeededHash> records; // by dataId
 };
 
 // The stream of one group, at its record. *next is the place of the next group, 0 for the last one: groups stand one
@@ -190,13 +192,15 @@ bool openOlderFile(YString const & path, VecOpenGroupOptions options, YString * 
     std::int64_t position = 0;
     do {
         if (!files().open(path, options.update ? FileMode::update : FileMode::read))
-            return tellWhyNotOpen(path, messages);
+            return tellWhyNotOpen(path, errno, messages);
         auto stream = openAt(path, position, options, &position);
         if (stream == nullptr) return tellLoadFailed(path, notRestoredWords, messages);
         UnlistedGroup group(makeUnlistedGroup(YString()));
-        YString storedName;
-        if (!OlderGroup(*stream, *group).read(&storedName)) return tellLoadFailed(path, notRestoredWords, messages);
+        OlderStream & records = *stream;
         group->oldStream = std::move(stream);
+        setFileStays(*group, !options.temporary);
+        YString storedName;
+        if (!OlderGroup(records, *group).read(&storedName)) return tellLoadFailed(path, notRestoredWords, messages);
         listRestoredGroup(group.get(), storedName, options.merge, messages);
         finishRestored(group.release(), storedName, options, groupName);
     } while (position != 0);

@@ -45,10 +45,10 @@ bool readKeys(DfsFile & file, BootNumbers * boot) {
 }
 
 // The records are streams of their own: each exists, and none is used twice. The first version had no scripts.
-bool claimStreams(DfsFile & file, BootNumbers const & boot, StreamClaims & claims) {
+bool claimStreams(BootNumbers const & boot, StreamClaims & claims) {
     int const known = boot.version >= bootVersion ? BOOT_STREAMS : BOOT_SCRIPTS;
     for (int i = 0; i < known; ++i)
-        if (!claims.claim(file, boot.streams[i], bootKeys[i].type)) return false;
+        if (!claims.claim(boot.streams[i], bootKeys[i].type)) return false;
     return true;
 }
 
@@ -106,10 +106,10 @@ void readTraces(DfsFile & file, std::int64_t stream, Group & group) {
 BootResult readBoot(Group & group, YRef<DfsFile> const & file, bool quiet, YString * storedName,
                     MessageHandler & messages) {
     BootNumbers boot;
-    StreamClaims claims;
     if (!readKeys(*file, &boot)) return BootResult::notRestored;
     if (boot.version > bootVersion) return BootResult::laterVersion;
-    if (!claimStreams(*file, boot, claims) || !readHeader(*file, boot.streams[BOOT_HEADER], group, storedName))
+    StreamClaims claims(*file);
+    if (!claimStreams(boot, claims) || !readHeader(*file, boot.streams[BOOT_HEADER], group, storedName))
         return BootResult::notRestored;
     readLabels(*file, boot.streams[BOOT_LABELS], group);
     if (!readVectors(group, file, boot.streams[BOOT_VECTORS], claims)) return BootResult::notRestored;

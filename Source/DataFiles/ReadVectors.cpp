@@ -78,8 +78,8 @@ private:
         if (type == VD_STRING) return readStrings(*record, count);
         std::uint8_t multiple;
         if ((type != VD_REAL && type != VD_COMPLEX) || !reader.readNumber(&multiple)) return false;
-        if (!claims.claim(*file, data, StreamType::bytes)) return false;
-        if (!claims.claim(*file, divisions, StreamType::timeBuffered)) return false;
+        if (!claims.claim(data, StreamType::bytes)) return false;
+        if (!claims.claim(divisions, StreamType::timeBuffered)) return false;
         record->type = static_cast<VD_type>(type);
         record->multiple = multiple != 0;
         attachStreams(*record, data, divisions);
@@ -113,7 +113,7 @@ private:
     YRef<DfsFile> const & file;
     StreamReader reader;
     StreamClaims & claims;
-    std::unordered_map<std::uint64_t, RecordHolder> records; // by dataId
+    std::unordered_map<std::uint64_t, RecordHolder, SeededHash> records; // by dataId
 };
 
 std::int64_t commonDivisions(BaseVector const & a, BaseVector const & b) {

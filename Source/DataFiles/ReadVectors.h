@@ -1,22 +1,8 @@
 // The vector directory of a data file.
 #pragma once
 
-#include "Dfs/DfsFile.h"
+#include "DataFiles/StreamClaims.h"
 #include "Groups/Group.h"
-
-#include <unordered_set>
-
-// The streams that something of the file is read from. A stream is one thing only.
-class StreamClaims {
-public:
-    bool claim(DfsFile const & file, std::int64_t id, StreamType type) {
-        return id > DfsFile::settingsStream && id != DfsFile::firstBootStream && file.isStream(id, type) &&
-               taken.insert(id).second;
-    }
-
-private:
-    std::unordered_set<std::int64_t> taken;
-};
 
 // Enters the vectors in the group, whose labels are there already. Their values stay in the file. False when the
 // directory is damaged.

@@ -6,8 +6,7 @@
 #include "Groups/LoosePool.h"
 #include "support/FileLock.h"
 #include "support/Paths.h"
-
-#include <new>
+#include "support/ReportingMemory.h"
 
 namespace {
 
@@ -85,9 +84,5 @@ bool vec_SaveGroup(YString const & path, VecSaveGroupOptions options, YRef<Messa
     Group * const group = nameSpace().current;
     if (group == nullptr) return false;
     if (messages == nullptr) messages = std::make_shared<NullMessageHandler>();
-    try {
-        return save(*group, path, options.create, *messages);
-    } catch (std::bad_alloc const &) {
-        throw MemoryException("Vector allocation failed");
-    }
+    return reportingMemory([&] { return save(*group, path, options.create, *messages); });
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -55,7 +56,8 @@ DfsDirectory::LoadResult DfsDirectory::readChain(OpenFile & file, std::uint64_t 
     auto bytes = loadNumber<std::uint64_t>(size);
     position += sizeof size;
     std::int64_t chain = 0;
-    for (std::uint64_t left = fileSize; bytes <= left; left -= bytes) {
+    for (std::uint64_t left = fileSize; bytes <= left;) {
+        left -= bytes;
         LoadResult const read = readBlock(file, position, bytes);
         if (read != LoadResult::good) return read;
         DirectoryEntry & link = entries_[index(blocks_.back().firstEntry)];
@@ -250,7 +252,8 @@ std::int64_t DfsDirectory::merge(DfsDirectory const & other, std::uint32_t links
                                  FileTail * tail) {
     std::int64_t const base = nextId_;
     if (other.nextId_ > greatestId - base) return 0;
-    nextId_ += other.nextId_;
+    DfsDirectory merged = *this; // nothing has happened when there is no room or memory
+    merged.nextId_ += other.nextId_;
     std::int64_t left = other.liveEntries();
     bool whole = true;
     other.forEach([&](DirectoryEntry const & theirs) {
@@ -259,9 +262,11 @@ std::int64_t DfsDirectory::merge(DfsDirectory const & other, std::uint32_t links
         ours.fileIndex += fileIndex;
         ours.id += base;
         if (ours.next > 0) ours.next += base;
-        whole = whole && insert(ours, tail, left--);
+        whole = whole && merged.insert(ours, tail, left--);
     });
-    return whole ? base : 0;
+    if (!whole) return 0;
+    *this = std::move(merged);
+    return base;
 }
 
 // --- writing

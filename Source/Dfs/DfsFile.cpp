@@ -37,26 +37,21 @@ std::unique_ptr<OpenFile> openHeld(YString const & path, DfsMode mode) {
     return held && (!isNew || file->truncate()) ? std::move(file) : nullptr;
 }
 
-// Another file may have taken the name since.
-bool isAt(YString const & path, FileIdentity const & identity) {
-    auto const there = files().open(path, FileMode::read);
-    return there != nullptr && there->identity() == identity;
-}
-
 } // namespace
 
 DfsFile::DfsFile(YString const & path, DfsMode mode) : DfsFile(openHeld(path, mode), path, mode) {}
 
 DfsFile::DfsFile(std::unique_ptr<OpenFile> file, YString const & path, DfsMode mode, YString const & place)
-    : mode_(mode), path_(sp_GetFullPath(path)), place_(place), file_(std::move(file)) {}
+    : openError_(file == nullptr ? errno : 0), mode_(mode), path_(sp_GetFullPath(path)), place_(place),
+      file_(std::move(file)) {}
 
 DfsFile::~DfsFile() {
     FileIdentity const own = deleteOnClose_ && file_ != nullptr ? file_->identity() : FileIdentity();
     close();
     if (!place_.empty())
         files().remove(place_);
-    else if (deleteOnClose_ && isAt(path_, own))
-        files().remove(path_);
+    else if (deleteOnClose_)
+        removeFile(path_, own);
 }
 
 bool DfsFile::takeName() {
@@ -66,9 +61,14 @@ bool DfsFile::takeName() {
     return true;
 }
 
-bool DfsFile::close() {
+// Without memory the file is not complete.
+bool DfsFile::close() noexcept {
     if (file_ == nullptr) return !writeFailed_;
-    flushAll();
+    try {
+        flushAll();
+    } catch (...) {
+        failed();
+    }
     isReady_ = false;
     file_.reset();
     return !writeFailed_;
@@ -104,13 +104,13 @@ bool DfsFile::writeSettings() {
 // --- an existing one
 
 DfsStatus DfsFile::read(bool verify) {
-    DfsStatus const found = readDirectory(verify);
-    if (!isUsable(found)) return found;
+    DfsStatus const own = readDirectory(verify);
+    if (!isUsable(own)) return own;
     if (!readSettings()) return DfsStatus::unreadable;
     DfsStatus const linked = openLinks();
     if (!isUsable(linked)) return linked;
-    DfsStatus const status = found != DfsStatus::good ? found : linked;
-    return mode_ == DfsMode::update ? prepareUpdate(status) : status;
+    if (mode_ == DfsMode::update && !prepareUpdate(own)) return DfsStatus::overlap;
+    return own != DfsStatus::good ? own : linked;
 }
 
 // While nobody writes the directory; the data that it tells of are in the file already.
@@ -145,8 +145,8 @@ bool DfsFile::readSettings() {
 }
 
 // What is written must not come to lie where lost data were, nor may a slot be larger than slots are.
-DfsStatus DfsFile::prepareUpdate(DfsStatus found) {
-    if (found == DfsStatus::beyondTheEnd) return DfsStatus::overlap;
+bool DfsFile::prepareUpdate(DfsStatus own) {
+    if (own == DfsStatus::beyondTheEnd) return false;
     bool slotsFit = true;
     bool allPresent = true;
     directory_.forEach([&](DirectoryEntry const & entry) {
@@ -155,9 +155,8 @@ DfsStatus DfsFile::prepareUpdate(DfsStatus found) {
         auto const end = static_cast<std::uint64_t>(entry.offset + entry.size * entry.runLength);
         allPresent = allPresent && (entry.fileIndex != 0 || entry.size == 0 || end <= fileSize_);
     });
-    if (!slotsFit || !allPresent) return DfsStatus::overlap;
-    tail_.emplace(*file_, fileSize_);
-    return found;
+    if (slotsFit && allPresent) tail_.emplace(*file_, fileSize_);
+    return tail_.has_value();
 }
 
 // --- writing at large

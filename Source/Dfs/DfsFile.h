@@ -57,15 +57,16 @@ public:
     DfsFile & operator=(DfsFile const &) = delete;
 
     bool isOpen() const noexcept { return file_ != nullptr; }
+    int openError() const noexcept { return openError_; } // an errno; EBUSY: somebody else writes the file
     bool isWritable() const noexcept { return mode_ != DfsMode::read && file_ != nullptr && isReady_; }
     YString const & path() const noexcept { return path_; } // full
     // Writes what a new file begins with, or reads an existing one and looks for damage if asked. A file with damage
-    // that is not usable is left alone, and a file of which data are missing is not opened for update.
+    // that is not usable is left alone, and a file that has lost bytes of its own is not opened for update.
     DfsStatus openOrCreate(bool verify);
     bool flushAll(); // everything that waits reaches the file; false when it does not
     bool sync();     // what is in the file is on the disk, as far as the machine can tell
     // Flushes everything; nothing can be written or read afterwards. False when the file is not complete.
-    bool close();
+    bool close() noexcept;
     // The file has its name from now on. Another one that had it until now goes only when all that has been written
     // here is on the disk. False, and that one is as it was, when this file is not complete or cannot have the name.
     bool takeName();
@@ -131,9 +132,10 @@ private:
     bool readSettings();
     DfsStatus openLinks();
     bool openLink(YString const & relativePath);
+    bool openLinksTo(DfsFile const & other);
     bool allLinkedBytesPresent() const;
     bool isKnown(FileIdentity const & identity);
-    DfsStatus prepareUpdate(DfsStatus found);
+    bool prepareUpdate(DfsStatus own);
 
     bool newExtent(StreamType type, std::int64_t id);
     std::optional<DirectoryEntry> lastExtent(std::int64_t id) const;
@@ -154,6 +156,7 @@ private:
     Piece pieceOf(std::int64_t stream, std::int64_t extent) const;
     std::uint64_t present(DirectoryEntry const & extent) const noexcept;
 
+    int openError_;
     DfsMode mode_;
     YString path_;
     YString place_; // where the file is until it takes its name; else empty
@@ -167,9 +170,9 @@ private:
     std::optional<FileTail> tail_; // of a file that is written
     SlotAllocator slots_;
     std::vector<std::int64_t> formerStarts_; // of what an earlier session has left, in order; made when it is needed
-    std::unordered_map<std::int64_t, StreamWriter> writers_; // by stream
-    std::vector<StreamWriter *> changed_;                    // time-buffered ones
-    std::unordered_map<std::int64_t, Cursor> cursors_;       // by stream
+    std::unordered_map<std::int64_t, StreamWriter, SeededHash> writers_; // by stream
+    std::vector<StreamWriter *> changed_;                                // time-buffered ones
+    std::unordered_map<std::int64_t, Cursor, SeededHash> cursors_;       // by stream
     std::vector<Link> links_;
     std::size_t linksInTable_ = 0; // the first of links_
 };

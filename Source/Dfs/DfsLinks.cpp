@@ -71,19 +71,30 @@ bool DfsFile::allLinkedBytesPresent() const {
 // --- making links
 
 // The files that the other one is linked with become links of this one.
+bool DfsFile::openLinksTo(DfsFile const & other) {
+    if (!openLink(sp_RelativePath(other.path_, sp_GetDirFromPath(path_)))) return false;
+    for (Link const & theirs : other.links_) {
+        YString const path = YString::joined(sp_GetDirFromPath(other.path_), {"/", theirs.path});
+        if (!openLink(sp_RelativePath(path, sp_GetDirFromPath(path_)))) return false;
+    }
+    return true;
+}
+
 int DfsFile::addLink(DfsFile & other) {
     if (file_ == nullptr || other.file_ == nullptr || isKnown(other.file_->identity())) return -1;
     if (!other.flushAll()) return -1; // what waits there would not be seen here
     std::size_t const before = links_.size();
-    bool linked = openLink(sp_RelativePath(other.path_, sp_GetDirFromPath(path_)));
-    for (std::size_t i = 0; linked && i < other.links_.size(); ++i) {
-        YString const path = YString::joined(sp_GetDirFromPath(other.path_), {"/", other.links_[i].path});
-        linked = openLink(sp_RelativePath(path, sp_GetDirFromPath(path_)));
+    std::int64_t base = 0;
+    try {
+        auto const theirs = static_cast<std::uint32_t>(other.links_.size());
+        if (openLinksTo(other)) {
+            base = directory_.merge(other.directory_, theirs, static_cast<std::uint32_t>(before + 1), tail());
+            if (base == 0) failed();
+        }
+    } catch (...) {
+        links_.resize(before);
+        throw;
     }
-    std::int64_t const base = linked
-                                  ? directory_.merge(other.directory_, static_cast<std::uint32_t>(other.links_.size()),
-                                                     static_cast<std::uint32_t>(before + 1), tail())
-                                  : 0;
     if (base == 0) {
         links_.resize(before);
         return -1;

@@ -23,13 +23,13 @@ bool DfsFile::newExtent(StreamType type, std::int64_t id) {
     return (id != 0 && directory_.add(entry, tail())) || failed();
 }
 
-// The walk ends at an extent whose successor has been lost.
+// The walk ends at an extent whose successor has been lost. There is none where a linked file has lost bytes: nobody
+// would find what were written behind them.
 std::optional<DirectoryEntry> DfsFile::lastExtent(std::int64_t id) const {
-    auto last = directory_.extent(id);
-    while (last && last->next > 0) {
-        auto const next = directory_.extent(last->next);
-        if (!next) break;
-        last = next;
+    std::optional<DirectoryEntry> last;
+    for (auto at = directory_.extent(id); at; at = directory_.extent(at->next)) {
+        if (present(*at) != static_cast<std::uint64_t>(at->size)) return std::nullopt;
+        last = at;
     }
     return last;
 }

@@ -10,9 +10,8 @@ constexpr unsigned wordBits = 64;
 
 } // namespace
 
-// Multiplicative hashing (D. E. Knuth, The Art of Computer Programming 3, 6.4): ids follow one another closely.
 std::size_t ExtentIndex::home(std::int64_t id) const noexcept {
-    return static_cast<std::size_t>((static_cast<std::uint64_t>(id) * 0x9E3779B97F4A7C15U) >> shift_);
+    return hash_(static_cast<std::uint64_t>(id)) >> shift_;
 }
 
 std::size_t ExtentIndex::search(std::int64_t id) const noexcept {

@@ -2,6 +2,8 @@
 // extent; the ranges of ids never overlap.
 #pragma once
 
+#include "support/SeededHash.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -32,6 +34,7 @@ private:
     std::size_t search(std::int64_t id) const noexcept; // where it stands, or would; there are places
     void resize(std::size_t places);
 
+    SeededHash hash_;
     std::vector<Place> places_; // none, or a power of two, at most half full
     unsigned shift_ = 64;       // 64 less its logarithm
     std::size_t count_ = 0;

@@ -10,7 +10,9 @@ struct Range {
     std::int64_t first;
     std::int64_t end;
     std::int64_t claimant = 0;
+    std::uint32_t file = 0; // that has the bytes
     friend bool operator<(Range const & a, Range const & b) noexcept {
+        if (a.file != b.file) return a.file < b.file;
         return a.first != b.first ? a.first < b.first : a.end < b.end;
     }
 };
@@ -22,7 +24,7 @@ void sort(Ranges & ranges) {
 
 bool anyOverlap(Ranges const & sorted) noexcept {
     for (std::size_t i = 1; i < sorted.size(); ++i)
-        if (sorted[i].first < sorted[i - 1].end) return true;
+        if (sorted[i].file == sorted[i - 1].file && sorted[i].first < sorted[i - 1].end) return true;
     return false;
 }
 
@@ -71,18 +73,18 @@ private:
         ids.push_back({entry.id, entry.endId()});
         if (entry.next > 0) claims.push_back({entry.next, entry.next + entry.runLength, entry.id});
         rising = rising && (entry.next <= 0 || entry.next > entry.id);
-        if (entry.fileIndex == 0) noteBytes(entry.offset, entry.offset + entry.size * entry.runLength);
+        noteBytes(entry.offset, entry.offset + entry.size * entry.runLength, entry.fileIndex);
     }
 
     void note(DfsDirectory::Block const & block) {
         DirectoryEntry const & link = directory.chainEntry(block);
-        if (link.offset > 0) noteBytes(link.offset, link.offset + link.size);
+        if (link.offset > 0) noteBytes(link.offset, link.offset + link.size, 0);
     }
 
-    void noteBytes(std::int64_t first, std::int64_t end) {
+    void noteBytes(std::int64_t first, std::int64_t end, std::uint32_t file) {
         if (first == end) return;
-        bytes.push_back({first, end});
-        beyond = beyond || end > fileSize;
+        bytes.push_back({first, end, 0, file});
+        beyond = beyond || (file == 0 && end > fileSize);
     }
 
     // Where successors always have greater ids, as writers give them, there is no ring. Otherwise the extents that hold

@@ -12,6 +12,10 @@ std::shared_ptr<NameArray> const & noLabels() {
     return none;
 }
 
+bool fileGoesWith(Group const & group) noexcept {
+    return group.dataFileTemporary && !group.keepDataFile;
+}
+
 bool nameTaken(int line) {
     internal_error("Error found in module %s, line %d", "Source\\plots", line);
     return false;
@@ -24,7 +28,7 @@ Group::Group(YString groupName, YString groupTitle, std::uint32_t groupFlags)
 
 Group::~Group() {
     end();
-    if (dataFile != nullptr && dataFileTemporary && !keepDataFile) dataFile->deleteWhenClosed();
+    if (dataFile != nullptr && fileGoesWith(*this)) dataFile->deleteWhenClosed();
 }
 
 void Group::end() {
@@ -34,6 +38,7 @@ void Group::end() {
     for (DeleteNotify const & notify : notifications) notify.proc(notify.arg, &name);
     VectorTable const doomed = std::exchange(vectors, {});
     doomed.forEach([](dvec & vector) { delete &vector; });
+    if (oldStream != nullptr && fileGoesWith(*this)) oldStream->deleteWhenClosed();
     oldStream.reset();
     LoosePool::forgetGroup(*this);
 }

@@ -29,6 +29,7 @@ class OlderDataFile {
 public:
     virtual ~OlderDataFile();
     virtual YString path() const = 0; // full
+    virtual void deleteWhenClosed() = 0;
 };
 
 // How files come about.

@@ -7,6 +7,7 @@
 #include "Import/Spice3.h"
 #include "support/FileSystem.h"
 #include "support/Paths.h"
+#include "support/ReportingMemory.h"
 #include "support/Streams.h"
 #include "support/System.h"
 #include "torvelan/ForeignData.h"
@@ -133,6 +134,8 @@ bool vec_OpenRawFile(YString const & path, YString const & outputPath, VecOpenRa
     if (output.empty() && !outputPath.empty())
         messages->warning("Cannot create data file '%s'. The data are kept in memory", outputPath);
     RawFileReader reader(stream, output, options, messages);
-    if (options.spice2) return reader.readSpice2File();
-    return options.csdf ? reader.readCsdfSections() : reader.readSpice3Sets();
+    return reportingMemory([&] {
+        if (options.spice2) return reader.readSpice2File();
+        return options.csdf ? reader.readCsdfSections() : reader.readSpice3Sets();
+    });
 }

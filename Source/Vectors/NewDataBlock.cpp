@@ -11,6 +11,7 @@ constexpr std::uint64_t leastGrowth = 1024;
 constexpr std::uint64_t largestSize = PTRDIFF_MAX;
 
 constexpr std::uint64_t leastBytesFromFile = 5;
+constexpr std::uint64_t mostZeros = std::uint64_t{1} << 30; // that may stand for what did not come
 
 FreeList<sizeof(NewDataBlock), 4096> freeBlocks;
 
@@ -161,8 +162,8 @@ void NewDataBlock::free() noexcept {
 }
 
 bool NewDataBlock::addSharedBlock(SharedBlockManager * blocks, int block, std::uint64_t bytes) {
-    if (bytes > largestSize - size_) throwVectorAllocationFailed();
     std::uint64_t const there = blocks != nullptr ? std::min(bytes, blocks->getBlockSize()) : 0;
+    if (bytes > largestSize - size_ || bytes - there > mostZeros) throwVectorAllocationFailed();
     bool taken = false;
     if (data == nullptr && isWritten()) {
         taken = there != 0 && backing_->appendShared(*blocks, block, there);

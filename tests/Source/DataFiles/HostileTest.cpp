@@ -1,5 +1,6 @@
 // Files that nobody should have written: cut at every byte, changed in every byte, with numbers that mean harm. They
 // give a message or less data, and take no more memory than their size accounts for; the store works on.
+#include "Dfs/DfsFile.h"
 #include "Dfs/LittleEndian.h"
 #include "Source/DataFiles/DataFilesFixture.h"
 #include "Vectors/BlockMemory.h"
@@ -129,6 +130,40 @@ TEST_F(Hostile, RunsOfManyExtentsTakeNoTimeAndNoMemory) {
     exercise(bytes);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
     EXPECT_LT(BlockMemory::peakBytes(), std::size_t{1} << 24);
+}
+
+// With many vectors that begin one extent behind the other, all of them would be many times the file.
+TEST_F(Hostile, AVectorDoesNotBeginInsideAStream) {
+    Group * run = newRun({"a"});
+    ASSERT_EQ(initialise(run, fileName), VEC_OK);
+    for (int i = 0; i < 10000; ++i) addPoint(run, {"a"}, i);
+    destroyGroup(run);
+    std::string const whole = disk.bytes(fileName);
+    DfsFile file(fileName, DfsMode::read);
+    ASSERT_EQ(file.openOrCreate(true), DfsStatus::good);
+    int found = 0;
+    file.directory().forEach([&](DirectoryEntry const & head) {
+        if (head.next <= 0 || head.type != StreamType::bytes) return;
+        std::string streams(16, '\0'); // as the record of a vector names them
+        storeNumber(streams.data(), head.id);
+        storeNumber(streams.data() + 8, head.id + 1);
+        std::size_t const at = whole.find(streams);
+        if (at == std::string::npos) return;
+        ++found;
+        exercise(with(whole, at, head.next));
+        EXPECT_EQ(words->last(),
+                  "Data file '/hostile.tvdat' load failed: could not restore data. File may be corrupted");
+    });
+    EXPECT_EQ(found, 2) << "time and a";
+}
+
+// All blocks together, however large the chain says that the next one is.
+TEST_F(Hostile, ADirectoryIsNoLargerThanItsFile) {
+    std::string bytes = with(sample(), firstEntry + 16, std::int64_t{firstEntry});
+    bytes = with(bytes, firstEntry + 24, std::int64_t{40} << 20);
+    exercise(with(bytes, firstEntry + 32, std::int64_t{77777}));
+    EXPECT_EQ(words->last(),
+              "Data file '/hostile.tvdat' load failed: could not read file header. File may be corrupted");
 }
 
 // The extents of a ring have each one predecessor, so that no count of claims finds them.

@@ -2,6 +2,7 @@
 #include "Source/DataFiles/DataFilesFixture.h"
 
 #include "Dfs/LittleEndian.h"
+#include "support/Files.h"
 #include "support/MemoryFiles.h"
 
 namespace {
@@ -21,7 +22,8 @@ public:
     }
 
     // The place of the next group is entered when that begins.
-    void group(std::string const & name, std::vector<OlderVector> const & vectors) {
+    void group(std::string const & name, std::vector<OlderVector> const & vectors,
+               std::string const & reference = "time") {
         if (code > 10) {
             auto const here = static_cast<std::int32_t>(bytes.size());
             if (link != 0) storeNumber(bytes.data() + link, here);
@@ -41,7 +43,7 @@ public:
             number(std::uint16_t{1});
             number(std::uint16_t{8});
             named(vector, PT_VOLTAGE);
-            named({"time", vector.values, vector.divisions}, PT_TIME);
+            named({reference, vector.values, vector.divisions}, PT_TIME);
         }
     }
 
@@ -166,6 +168,40 @@ TEST_F(OlderFiles, AGroupThatCannotBeRestoredLeavesThoseBeforeIt) {
               "Data file '" + text(path) + "' load failed: could not restore data. File may be corrupted");
     EXPECT_NE(findGroup("first"), nullptr);
     EXPECT_EQ(findGroup("second"), nullptr);
+}
+
+TEST_F(OlderFiles, HaveRealDataWhenAVectorHasAReference) {
+    YString const path = folder.path("old.tvdat");
+    for (bool hasReference : {false, true}) {
+        OlderWriter writer("6.0", 60);
+        writer.group("old", {{"v", {1}, {}}}, hasReference ? "time" : "");
+        putBytes(path, writer.bytes);
+        Group * group = open(path);
+        ASSERT_NE(group, nullptr);
+        EXPECT_EQ(group->hasRealData, hasReference);
+        EXPECT_EQ(group->runId, 0U);
+    }
+}
+
+TEST_F(OlderFiles, TemporaryOnesGoWithTheirGroup) {
+    OlderWriter writer("6.0", 60);
+    for (char const * name : {"p", "q"}) writer.group(name, {{name, {1, 2}, {}}});
+    VecOpenGroupOptions options;
+    options.temporary = true;
+    YString const path = folder.path("old.tvdat");
+    for (bool keep : {true, false}) {
+        putBytes(path, writer.bytes);
+        Group * last = open(path, options);
+        ASSERT_NE(last, nullptr);
+        EXPECT_EQ(vec_DestroyGroup(last->name, keep), VEC_OK);
+        EXPECT_EQ(sp_ExistFile(path), keep);
+        EXPECT_EQ(values(*groupListHead()->find("p")).size(), 2U) << "what is open can still be read";
+        destroyAllGroups();
+        EXPECT_FALSE(sp_ExistFile(path));
+    }
+    putBytes(path, writer.bytes.substr(0, writer.bytes.size() - 30));
+    EXPECT_EQ(open(path, options), nullptr);
+    EXPECT_FALSE(sp_ExistFile(path)) << "the group that was begun took it along";
 }
 
 TEST_F(OlderFiles, CutAndChangedTheyDoNoHarm) {

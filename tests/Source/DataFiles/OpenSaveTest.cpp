@@ -1,8 +1,11 @@
 // Saving a group and opening it again.
 #include "Source/DataFiles/DataFilesFixture.h"
 
+#include "Dfs/DfsFile.h"
 #include "Vectors/BlockMemory.h"
+#include "support/Files.h"
 
+#include <cerrno>
 #include <random>
 #include <unistd.h>
 
@@ -52,6 +55,60 @@ TEST_F(OpenSave, ASecondOpeningGetsANewNameWithANote) {
     EXPECT_NE(text(second->name), name);
     EXPECT_EQ(words->last(),
               "Note: group name " + name + " already exists.\nChanging name to " + text(second->name) + " \n");
+}
+
+// The machine's files, which refuse to be written.
+class ReadOnlyFiles final : public FileSystem {
+public:
+    explicit ReadOnlyFiles(int error_) : error(error_) {}
+    std::unique_ptr<OpenFile> open(YString const & path, FileMode mode) override {
+        if (mode == FileMode::read) return systemFiles().open(path, mode);
+        errno = error;
+        return nullptr;
+    }
+    std::unique_ptr<OpenFile> openUnique(YString const &, YString *) override { return nullptr; }
+    bool replace(YString const &, YString const &) override { return false; }
+    bool remove(YString const &) override { return false; }
+
+private:
+    int error;
+};
+
+TEST_F(OpenSave, WhyAFileCannotBeContinuedIsTold) {
+    YString const path = folder.path("saved.tvdat");
+    ASSERT_TRUE(save(newRun({"a"}), path));
+    for (auto const & [error, reason] : {std::pair{EACCES, "Permission denied"}, {EROFS, "Read-only file system"}}) {
+        ReadOnlyFiles disk(error);
+        FileSystemInUse const inUse(disk);
+        words->clear();
+        EXPECT_EQ(open(path, forUpdate()), nullptr);
+        EXPECT_EQ(words->texts, Texts{"Cannot open file '" + text(path) + "': " + reason});
+    }
+    Group * const writer = open(path, forUpdate());
+    ASSERT_NE(writer, nullptr);
+    words->clear();
+    EXPECT_EQ(open(path, forUpdate()), nullptr);
+    EXPECT_EQ(words->texts, Texts{"Cannot read data file '" + text(path) + "' as it is currently being updated"});
+}
+
+// The group that was begun is temporary, and takes its file along.
+TEST_F(OpenSave, ATemporaryFileThatCannotBeRestoredGoes) {
+    YString const path = folder.path("saved.tvdat");
+    VecOpenGroupOptions options;
+    for (bool temporary : {false, true}) {
+        {
+            DfsFile file(path, DfsMode::create);
+            ASSERT_EQ(file.openOrCreate(false), DfsStatus::good);
+        }
+        options.temporary = temporary;
+        EXPECT_EQ(open(path, options), nullptr);
+        EXPECT_EQ(words->last(),
+                  "Data file '" + text(path) + "' load failed: could not restore data. File may be corrupted");
+        EXPECT_EQ(sp_ExistFile(path), !temporary);
+    }
+    putBytes(path, "no data file");
+    EXPECT_EQ(open(path, options), nullptr);
+    EXPECT_TRUE(sp_ExistFile(path)) << "there was no group";
 }
 
 TEST_F(OpenSave, MergingReplacesTheGroupOfTheStoredName) {

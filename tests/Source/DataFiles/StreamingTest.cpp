@@ -141,6 +141,7 @@ TEST_F(Streaming, ABlockThatIsRefusedCountsAsZeros) {
         EXPECT_EQ(values(a), (std::vector<double>{0, 0, 0, 0}));
         EXPECT_THROW(a.addSharedBlock(token, 0, std::uint64_t{1} << 63), MemoryException);
         EXPECT_THROW(a.addSharedBlock(token, 7, std::uint64_t{1} << 62), MemoryException);
+        EXPECT_THROW(a.addSharedBlock(token, 7, (std::uint64_t{1} << 30) + 72), MemoryException) << "a claim, no data";
         EXPECT_EQ(a.length(), 4);
         int const id = pool->allocate();
         EXPECT_TRUE(a.addSharedBlock(token, id, 128)) << "longer than the block";

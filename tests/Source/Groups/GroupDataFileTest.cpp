@@ -70,6 +70,7 @@ public:
     explicit SteppingOlderFile(Step const & step_) : step(step_) {}
     ~SteppingOlderFile() override { step.tell("older file"); }
     YString path() const override { return "older"; }
+    void deleteWhenClosed() override { step.tell("older file marked"); }
 
 private:
     Step const & step;
@@ -94,8 +95,8 @@ TEST_F(GroupDataFileTest, StepsOfTheEndOfAGroup) {
     vec_InstallDeleteNotifyProc(
         group->name, [](void * arg, void *) { static_cast<Step *>(arg)->tell("notified"); }, const_cast<Step *>(&step));
     EXPECT_EQ(vec_DestroyGroup(group->name, false), VEC_OK);
-    EXPECT_EQ(events,
-              (Texts{"notified, listed", "vector, listed", "older file, listed", "marked, not listed", "f closed"}));
+    EXPECT_EQ(events, (Texts{"notified, listed", "vector, listed", "older file marked, listed", "older file, listed",
+                             "marked, not listed", "f closed"}));
 }
 
 TEST_F(GroupDataFileTest, DestroyingByNameMayKeepTheFile) {
