@@ -8,12 +8,17 @@
 #include "support/Paths.h"
 #include "support/ReportingMemory.h"
 
+#include <cerrno>
+
 namespace {
 
-// Whether a file that exists may be written. One that a run writes may not, if asked.
-bool mayReplace(YString const & path, bool refuseHeld) {
-    auto const file = files().open(path, FileMode::update);
-    return file != nullptr && (!refuseHeld || lockForWriting(file->descriptor()));
+// A file that exists, kept from runs for as long as the object lives; null, with errno set, when it may not be written.
+// One that a run writes or continues has EBUSY: the run would go on into a file that nobody finds.
+std::unique_ptr<OpenFile> holdForReplacing(YString const & path) {
+    auto file = files().open(path, FileMode::update);
+    if (file == nullptr || lockForUpdating(file->descriptor())) return file;
+    errno = EBUSY;
+    return nullptr;
 }
 
 // Beside the file that it is to replace: that one is whole until the new one is. Nobody else has it, so that a run can
@@ -36,10 +41,14 @@ bool tellNotSaved(YString const & path, MessageHandler & messages) {
     return false;
 }
 
-bool save(Group & group, YString const & path, bool refuseHeld, MessageHandler & messages) {
+// A path that does not open is not told of. Nor is, to one who wants to hold the new file, that somebody holds it.
+bool save(Group & group, YString const & path, VecSaveGroupOptions options, MessageHandler & messages) {
     YString const target = sp_FollowLinks(path);
+    auto const older = holdForReplacing(target);
+    bool const isHeld = older == nullptr && errno == EBUSY;
+    if (isHeld && !options.create) return tellNotSaved(path, messages);
     bool const exists = sp_ExistPath(target);
-    if (exists && !mayReplace(target, refuseHeld)) return true;
+    if (exists && older == nullptr) return true;
     auto const file = makeBeside(target, DfsMode::replace);
     if (file == nullptr) return !exists || tellNotSaved(path, messages);
     return writeAll(group, file) || tellNotSaved(path, messages);
@@ -62,9 +71,9 @@ VEC_ERROR createDataFile(Group & group, YString const & unixPath, YRef<MessageHa
 
 // What writes the old one may be vectors that nobody has any more.
 bool mayReplaceRun(YString const & path) {
-    if (!sp_ExistPath(path) || mayReplace(path, true)) return true;
+    if (!sp_ExistPath(path) || holdForReplacing(path) != nullptr) return true;
     LoosePool::sweep();
-    return mayReplace(path, true);
+    return holdForReplacing(path) != nullptr;
 }
 
 [[maybe_unused]] bool const registered = (dataFileMakers() = {createDataFile, openGroupFile}, true);
@@ -84,5 +93,5 @@ bool vec_SaveGroup(YString const & path, VecSaveGroupOptions options, YRef<Messa
     Group * const group = nameSpace().current;
     if (group == nullptr) return false;
     if (messages == nullptr) messages = std::make_shared<NullMessageHandler>();
-    return reportingMemory([&] { return save(*group, path, options.create, *messages); });
+    return reportingMemory([&] { return save(*group, path, options, *messages); });
 }

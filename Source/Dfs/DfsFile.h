@@ -104,6 +104,7 @@ public:
     int addLink(DfsFile & other);
     // Continues a stream with one of the linked file.
     bool spliceLinkedStream(std::int64_t id, int link, std::int64_t otherId);
+    bool isLink(int link, DfsFile const & other) const; // whether the number stands for this file
     bool rewriteLinkTable(); // the links made since the last time reach the file
 
     DfsDirectory const & directory() const noexcept { return directory_; }

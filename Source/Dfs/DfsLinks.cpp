@@ -103,6 +103,11 @@ int DfsFile::addLink(DfsFile & other) {
     return static_cast<int>(before);
 }
 
+bool DfsFile::isLink(int link, DfsFile const & other) const {
+    if (link < 0 || static_cast<std::size_t>(link) >= links_.size() || other.file_ == nullptr) return false;
+    return links_[static_cast<std::size_t>(link)].identity == other.file_->identity();
+}
+
 bool DfsFile::spliceLinkedStream(std::int64_t id, int link, std::int64_t otherId) {
     if (link < 0 || static_cast<std::size_t>(link) >= links_.size() || !flush(id)) return false;
     auto last = lastExtent(id);

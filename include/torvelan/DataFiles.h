@@ -21,7 +21,7 @@ struct VecOpenGroupOptions {
 
 struct VecSaveGroupOptions {
     std::uint32_t unused[2] = {};
-    bool create = false; // refuse a file that is being written
+    bool create = false; // leaves a file that somebody writes without a word; else that is an error
 };
 
 // Opens a data file of any version as one group, or each group of an older file; the last becomes the current one. The

@@ -94,6 +94,69 @@ TEST_F(Streaming, AnotherProcessReadsWhileThisOneWrites) {
     EXPECT_EQ(status, 0);
 }
 
+// --- saving over the file of a run
+
+TEST_F(Streaming, ARunIsNotReplacedByItsOwnSave) {
+    YString const path = folder.path("run.tvdat");
+    Group * run = newRun({"a"});
+    ASSERT_EQ(initialise(run, path), VEC_OK);
+    for (int i = 0; i < 10; ++i) addPoint(run, {"a"}, i);
+    EXPECT_FALSE(save(run, path));
+    EXPECT_EQ(words->texts, Texts{"Write failure to data file " + text(path)});
+    for (int i = 10; i < 20; ++i) addPoint(run, {"a"}, i);
+    destroyGroup(run);
+    Group * again = open(path, forUpdate());
+    ASSERT_EQ(again->find("a")->length(), 20);
+    EXPECT_FALSE(save(again, path)) << "one that is continued is not either";
+    words->clear();
+    EXPECT_TRUE(save(again, path, true));
+    EXPECT_TRUE(words->texts.empty()) << "to one who wants to hold it the path just does not open";
+    again->find("a")->addVal(7.0);
+    again->find("time")->addVal(7.0);
+    destroyGroup(again);
+    EXPECT_EQ(open(path)->find("a")->length(), 21);
+    EXPECT_EQ(folder.fileCount(), 1U);
+}
+
+TEST_F(Streaming, ARunOfAnotherProcessIsNotReplaced) {
+    YString const path = folder.path("run.tvdat");
+    constexpr int points = 1000;
+    auto const addPoints = [](Group * run, int first) {
+        for (int i = first; i < first + points; ++i) addPoint(run, {"a"}, i);
+    };
+    int ready[2], go[2];
+    ASSERT_EQ(pipe(ready), 0);
+    ASSERT_EQ(pipe(go), 0);
+    pid_t const writer = fork();
+    char signal = 0;
+    if (writer == 0) {
+        close(go[1]);
+        Group * run = newRun({"a"});
+        if (initialise(run, path) != VEC_OK) _exit(1);
+        addPoints(run, 0);
+        if (write(ready[1], &signal, 1) != 1 || read(go[0], &signal, 1) != 1) _exit(2);
+        addPoints(run, points);
+        destroyGroup(run);
+        _exit(0);
+    }
+    close(ready[1]);
+    close(go[0]);
+    ASSERT_EQ(read(ready[0], &signal, 1), 1);
+    Group * other = newRun({"a"});
+    addPoint(other, {"a"}, 1);
+    EXPECT_FALSE(save(other, path));
+    EXPECT_EQ(words->texts, Texts{"Write failure to data file " + text(path)});
+    ASSERT_EQ(write(go[1], &signal, 1), 1);
+    int status = -1;
+    ASSERT_EQ(waitpid(writer, &status, 0), writer);
+    EXPECT_EQ(status, 0);
+    close(ready[0]);
+    close(go[1]);
+    EXPECT_EQ(open(path)->find("a")->length(), 2 * points);
+    EXPECT_TRUE(save(other, path)) << "now nobody writes it";
+    EXPECT_EQ(open(path)->find("a")->length(), 1);
+}
+
 // --- shared blocks
 
 TEST_F(Streaming, BlocksOfSharedMemoryGoToTheFile) {
