@@ -1,7 +1,9 @@
 // Stream/<what>/<place>: a run of 1,000 vectors of 100,000 points written point by point, with an update each 1,000
 // points, to the memory file system (memory) or the disk (disk). Open/<what>/10000: a file of 10,000 vectors opened and
 // listed. Read/<what>/<MiB>: one whole vector out of a file. Shared/<what>: the bytes of a run handed over in blocks of
-// shared memory. Limit/...: what plain calls of the system take, and HDF5 where it is there.
+// shared memory. Limit/...: what plain calls of the system take, and HDF5 where it is there: fed with a row of the
+// matrix a point, or with all that comes between two updates in one call, when the program gathers it itself. The
+// counter `entries` is the number of directory entries of the file.
 #include "Store.h"
 
 #include <benchmark/benchmark.h>
@@ -11,6 +13,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
+#include <string_view>
 #include <unistd.h>
 #ifdef TORVELAN_HDF5
 #include <hdf5.h>
@@ -65,6 +68,22 @@ public:
     IfVector reference;
 };
 
+// The number of directory entries from the description of a file.
+class EntryCount final : public MessageHandler {
+public:
+    void finalOutput(MessageLevel, YString const & text) override {
+        constexpr std::string_view start = "Directory: ";
+        if (text.view().starts_with(start)) entries = std::atof(text.c_str() + start.size());
+    }
+    double entries = 0;
+};
+
+double entriesOf(std::string const & path) {
+    auto const count = std::make_shared<EntryCount>();
+    if (!vec_DescribeDataFile(YString(path), count)) stop(path.c_str());
+    return count->entries;
+}
+
 void countBytes(benchmark::State & state, double bytes) {
     state.counters["bytes"] = benchmark::Counter(bytes, benchmark::Counter::kIsIterationInvariantRate);
 }
@@ -79,6 +98,7 @@ void streamEngine(benchmark::State & state, char const * place) {
             if (i % pointsPerUpdate == pointsPerUpdate - 1) vec_DataSent(run.name, false);
         }
     }
+    state.counters["entries"] = entriesOf(path);
     countBytes(state, 8.0 * vectorCount * points);
     unlink(path.c_str());
 }
@@ -94,6 +114,28 @@ void streamWrite(benchmark::State & state, char const * place) {
                 for (int k = 0; k < vectorCount; ++k)
                     rows[static_cast<std::size_t>(r * vectorCount + k)] = valueOf(k, i + r);
             if (write(file, rows.data(), rows.size() * 8) < 0) stop("write");
+        }
+        close(file);
+    }
+    countBytes(state, 8.0 * vectorCount * points);
+    unlink(path.c_str());
+}
+
+// The same bytes, a column a vector: each goes to the file when 32 KiB of it are there. Nothing that keeps vectors
+// apart and takes their points in turn does less.
+void streamColumns(benchmark::State & state, char const * place) {
+    constexpr std::size_t piece = 32768 / sizeof(double);
+    std::string const path = fileIn(place);
+    for (auto _ : state) {
+        int const file = open(path.c_str(), O_CREAT | O_TRUNC | O_RDWR, 0600);
+        std::vector<std::vector<double>> columns(vectorCount, std::vector<double>(piece));
+        for (std::size_t i = 0; i < points; ++i) {
+            std::size_t const at = i % piece;
+            for (std::size_t k = 0; k < vectorCount; ++k)
+                columns[k][at] = valueOf(static_cast<int>(k), static_cast<int>(i));
+            if (at + 1 != piece && i + 1 != points) continue;
+            for (std::vector<double> const & column : columns)
+                if (write(file, column.data(), (at + 1) * sizeof(double)) < 0) stop("write");
         }
         close(file);
     }
@@ -117,8 +159,8 @@ void streamFwrite(benchmark::State & state, char const * place) {
 }
 
 #ifdef TORVELAN_HDF5
-// One matrix of a column a vector, grown by a chunk of rows at each flush.
-void streamHdf5Matrix(benchmark::State & state, char const * place) {
+// One matrix of a column a vector, in chunks of the rows between two flushes, which come `rowsPerWrite` at a time.
+template <int rowsPerWrite> void streamHdf5Matrix(benchmark::State & state, char const * place) {
     std::string const path = fileIn(place);
     for (auto _ : state) {
         hid_t const file = H5Fcreate(path.c_str(), H5F_ACC_TRUNC, H5P_DEFAULT, H5P_DEFAULT);
@@ -128,22 +170,23 @@ void streamHdf5Matrix(benchmark::State & state, char const * place) {
         hid_t const properties = H5Pcreate(H5P_DATASET_CREATE);
         H5Pset_chunk(properties, 2, chunk);
         hid_t const data = H5Dcreate2(file, "run", H5T_NATIVE_DOUBLE, space, H5P_DEFAULT, properties, H5P_DEFAULT);
-        std::vector<double> rows(static_cast<std::size_t>(pointsPerUpdate) * vectorCount);
-        for (int i = 0; i < points; i += pointsPerUpdate) {
-            for (int r = 0; r < pointsPerUpdate; ++r)
+        hsize_t const count[2] = {rowsPerWrite, vectorCount};
+        hid_t const source = H5Screate_simple(2, count, nullptr);
+        std::vector<double> rows(static_cast<std::size_t>(rowsPerWrite) * vectorCount);
+        for (int i = 0; i < points; i += rowsPerWrite) {
+            for (int r = 0; r < rowsPerWrite; ++r)
                 for (int k = 0; k < vectorCount; ++k)
                     rows[static_cast<std::size_t>(r) * vectorCount + static_cast<std::size_t>(k)] = valueOf(k, i + r);
             hsize_t const start[2] = {size[0], 0};
-            size[0] += pointsPerUpdate;
+            size[0] += rowsPerWrite;
             H5Dset_extent(data, size);
             hid_t const target = H5Dget_space(data);
-            H5Sselect_hyperslab(target, H5S_SELECT_SET, start, nullptr, chunk, nullptr);
-            hid_t const source = H5Screate_simple(2, chunk, nullptr);
+            H5Sselect_hyperslab(target, H5S_SELECT_SET, start, nullptr, count, nullptr);
             if (H5Dwrite(data, H5T_NATIVE_DOUBLE, source, target, H5P_DEFAULT, rows.data()) < 0) stop("H5Dwrite");
-            H5Sclose(source);
             H5Sclose(target);
-            H5Fflush(file, H5F_SCOPE_GLOBAL);
+            if (size[0] % pointsPerUpdate == 0) H5Fflush(file, H5F_SCOPE_GLOBAL);
         }
+        H5Sclose(source);
         H5Dclose(data);
         H5Pclose(properties);
         H5Sclose(space);
@@ -255,8 +298,8 @@ void readPread(benchmark::State & state) {
     constexpr std::size_t piece = 32768;
     int const file = open(largeFile().c_str(), O_RDONLY);
     std::size_t const bytes = static_cast<std::size_t>(largePoints) * 8;
+    std::vector<double> data(static_cast<std::size_t>(largePoints));
     for (auto _ : state) {
-        std::vector<double> data(static_cast<std::size_t>(largePoints));
         for (std::size_t at = 0; at < bytes; at += piece)
             if (pread(file, reinterpret_cast<char *>(data.data()) + at, piece,
                       static_cast<off_t>(40000 + at * largeVectors)) < 0)
@@ -309,9 +352,11 @@ void addAll() {
         };
         add("Stream/engine", streamEngine);
         add("Limit/stream/write", streamWrite);
+        add("Limit/stream/columns", streamColumns);
         add("Limit/stream/fwrite", streamFwrite);
 #ifdef TORVELAN_HDF5
-        add("Limit/stream/hdf5_matrix", streamHdf5Matrix);
+        add("Limit/stream/hdf5_matrix_by_row", streamHdf5Matrix<1>);
+        add("Limit/stream/hdf5_matrix_gathered", streamHdf5Matrix<pointsPerUpdate>);
         add("Limit/stream/hdf5_sets", streamHdf5Sets);
 #endif
     }

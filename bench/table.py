@@ -48,6 +48,14 @@ PAIRS = [
     ("Spectrum/fft_none/{n}", ["Limit/fftw_measured/{n}", "Limit/fftw_estimated/{n}", "SciPy/rfft/{n}", "SciPy/fft/{n}"]),
     ("Spectrum/Fourier_lines/{n}", ["Limit/recurrence_lines/{n}"]),
     ("Spectrum/Fourier_parabolas/{n}", ["Limit/recurrence_parabolas/{n}"]),
+    *(
+        (f"Stream/engine/{place}", [f"Limit/stream/{peer}/{place}" for peer in (
+            "write", "columns", "fwrite", "hdf5_matrix_by_row", "hdf5_matrix_gathered", "hdf5_sets")])
+        for place in ("memory", "disk")
+    ),
+    ("Open/engine/{n}", []),
+    ("Read/engine/{n}", ["Limit/read/pread/{n}"]),
+    ("Shared/engine", ["Limit/shared/write"]),
     ("Store/make_vectors/{n}", ["Limit/map_make/{n}"]),
     ("Store/find_vectors/{n}", ["Limit/map_find/{n}"]),
     ("Store/list_vectors/{n}", ["Limit/sort_names/{n}"]),
@@ -71,7 +79,7 @@ def load(folder):
             # Where parts of the work are not timed, the program gives the time itself.
             clock = "real_time" if run["name"].endswith("/manual_time") else "cpu_time"
             nanoseconds = run[clock] * UNITS[run["time_unit"]]
-            name = re.sub(r"/iterations:\d+|/manual_time", "", run["name"])
+            name = re.sub(r"/iterations:\d+|/repeats:\d+|/manual_time", "", run["name"])
             times[name] = min(nanoseconds, times.get(name, nanoseconds))
     for path in folder.glob("*.txt"):
         for line in path.read_text().splitlines():

@@ -46,6 +46,7 @@ void StreamBacking::flush() {
 // A group may show what lies in another file than its own: the stream of that number is not the one meant then.
 bool StreamBacking::splice(int link, BlockBacking const & other) {
     auto const * theirs = dynamic_cast<StreamBacking const *>(&other);
+    takeBack();
     writer = nullptr;
     return theirs != nullptr && file_->isLink(link, *theirs->file_) &&
            file_->spliceLinkedStream(stream_, link, theirs->stream_);

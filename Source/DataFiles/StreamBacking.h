@@ -7,6 +7,7 @@
 class StreamBacking final : public BlockBacking {
 public:
     StreamBacking(YRef<DfsFile> file, std::int64_t stream) noexcept : file_(std::move(file)), stream_(stream) {}
+    ~StreamBacking() override { takeBack(); }
 
     std::uint64_t read(void * dest, std::uint64_t bytes, std::uint64_t offset) override;
     std::uint64_t length() override { return file_->length(stream_); }

@@ -187,7 +187,7 @@ bool DfsFile::update() {
 bool DfsFile::flushByteStreams() {
     std::vector<StreamWriter *> waiting;
     for (auto & [id, writer] : writers_)
-        if (writer.type == StreamType::bytes && !writer.waiting().empty()) waiting.push_back(&writer);
+        if (writer->type == StreamType::bytes && writer->length() != 0) waiting.push_back(writer.get());
     std::sort(waiting.begin(), waiting.end(),
               [](StreamWriter const * a, StreamWriter const * b) { return a->stream < b->stream; });
     bool whole = true;

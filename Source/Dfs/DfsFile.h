@@ -141,7 +141,7 @@ private:
     bool newExtent(StreamType type, std::int64_t id);
     std::optional<DirectoryEntry> lastExtent(std::int64_t id) const;
     bool chainNew(DirectoryEntry * last);
-    bool openWriter(std::int64_t id);
+    StreamWriter * openWriter(std::int64_t id);
     bool prepareSlot(DirectoryEntry last, StreamWriter & writer);
     bool canGrow(DirectoryEntry const & slot);
     FileTail * tail() noexcept { return tail_ ? &*tail_ : nullptr; }
@@ -154,7 +154,7 @@ private:
     bool flushByteStreams();
     bool failed() noexcept;
 
-    Piece pieceOf(std::int64_t stream, std::int64_t extent) const;
+    Piece pieceOf(std::int64_t stream, std::int64_t extent);
     std::uint64_t present(DirectoryEntry const & extent) const noexcept;
 
     int openError_;
@@ -171,9 +171,9 @@ private:
     std::optional<FileTail> tail_; // of a file that is written
     SlotAllocator slots_;
     std::vector<std::int64_t> formerStarts_; // of what an earlier session has left, in order; made when it is needed
-    std::unordered_map<std::int64_t, StreamWriter, SeededHash> writers_; // by stream
-    std::vector<StreamWriter *> changed_;                                // time-buffered ones
-    std::unordered_map<std::int64_t, Cursor, SeededHash> cursors_;       // by stream
+    std::unordered_map<std::int64_t, std::unique_ptr<StreamWriter>, SeededHash> writers_; // by stream
+    std::vector<StreamWriter *> changed_;                                                 // time-buffered ones
+    std::unordered_map<std::int64_t, Cursor, SeededHash> cursors_;                        // by stream
     std::vector<Link> links_;
     std::size_t linksInTable_ = 0; // the first of links_
 };

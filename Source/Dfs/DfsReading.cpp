@@ -40,11 +40,11 @@ std::uint64_t DfsFile::present(DirectoryEntry const & extent) const noexcept {
     return offset < fileSize ? std::min(static_cast<std::uint64_t>(extent.size), fileSize - offset) : 0;
 }
 
-DfsFile::Piece DfsFile::pieceOf(std::int64_t stream, std::int64_t id) const {
+DfsFile::Piece DfsFile::pieceOf(std::int64_t stream, std::int64_t id) {
     auto const open = writers_.find(stream);
     Piece piece;
-    if (open != writers_.end() && open->second.extent == id) {
-        piece.waiting = open->second.waiting();
+    if (open != writers_.end() && open->second->extent == id) {
+        piece.waiting = open->second->waiting();
         piece.bytes = piece.waiting.size();
         return piece;
     }

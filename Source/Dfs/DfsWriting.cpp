@@ -47,21 +47,20 @@ bool DfsFile::chainNew(DirectoryEntry * last) {
 
 StreamWriter * DfsFile::writer(std::int64_t id) {
     auto const known = writers_.find(id);
-    if (known != writers_.end()) return &known->second;
-    return isWritable() && openWriter(id) ? &writers_.at(id) : nullptr;
+    if (known != writers_.end()) return known->second.get();
+    return isWritable() ? openWriter(id) : nullptr;
 }
 
-bool DfsFile::openWriter(std::int64_t id) {
+StreamWriter * DfsFile::openWriter(std::int64_t id) {
     auto last = lastExtent(id);
-    if (!last) return false;
+    if (!last) return nullptr;
     bool const isSlot = last->type == StreamType::timeBuffered;
     bool const isClosed = last->fileIndex != 0 || last->next > 0 || (last->size > 0 && !isSlot);
-    if (isClosed && !chainNew(&*last)) return false;
+    if (isClosed && !chainNew(&*last)) return nullptr;
     std::size_t const initialSize = isSlot ? static_cast<std::size_t>(timeBufferSize_) : StreamWriter::extentBytes;
-    auto const [entry, isNew] = writers_.try_emplace(id, id, last->type, last->id, initialSize);
-    if (!isSlot || prepareSlot(*last, entry->second)) return true;
-    writers_.erase(entry);
-    return false;
+    auto made = std::make_unique<StreamWriter>(id, last->type, last->id, initialSize);
+    if (isSlot && !prepareSlot(*last, *made)) return nullptr;
+    return writers_.emplace(id, std::move(made)).first->second.get();
 }
 
 // The bytes of a slot that is to grow are written again with those that come.
@@ -106,8 +105,8 @@ bool DfsFile::write(std::int64_t id, void const * data, std::size_t bytes) {
 
 bool DfsFile::flush(std::int64_t id) {
     auto const known = writers_.find(id);
-    if (known == writers_.end() || known->second.type != StreamType::bytes) return true;
-    return known->second.waiting().empty() || writeExtent(known->second, {});
+    if (known == writers_.end() || known->second->type != StreamType::bytes) return true;
+    return known->second->length() == 0 || writeExtent(*known->second, {});
 }
 
 // What waits and what comes, in one piece at the end of the file.

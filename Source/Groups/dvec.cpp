@@ -2,7 +2,7 @@
 
 #include "Groups/GroupStore.h"
 #include "Groups/LoosePool.h"
-#include "Vectors/FreeList.h"
+#include "support/ObjectPool.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -11,7 +11,7 @@
 namespace {
 
 // Temporaries come and go with every operation.
-FreeList<sizeof(dvec), 1024> freeVectors;
+ObjectPool<sizeof(dvec)> freeVectors;
 
 Group * orLocal(Group * group) noexcept {
     return group != nullptr ? group : nameSpace().local;

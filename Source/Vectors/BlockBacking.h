@@ -23,11 +23,25 @@ public:
     // Goes on with the bytes of another one, which lies in the linked file of this number.
     virtual bool splice(int, BlockBacking const &) { return false; }
 
-    // Appends without a virtual call, where there is an open end with room for it.
+    // Appends without a virtual call, where there is room for it in memory.
     bool take(void const * data, std::uint64_t bytes) noexcept {
         return writer != nullptr && writer->take(data, bytes);
+    }
+    // The open end of what is written, where there is one, for a borrower that appends to it in person; the others of
+    // these calls keep it up to date. It is to be given back before anything else appends or the borrower ends.
+    void lend(OpenEnd * end) noexcept {
+        bool const isLent = writer != nullptr && writer->lend(end);
+        borrower = isLent ? end : nullptr;
+        if (!isLent) *end = {};
+    }
+    void takeBack() noexcept {
+        if (borrower != nullptr) writer->takeBack();
+        borrower = nullptr;
     }
 
 protected:
     StreamWriter * writer = nullptr;
+
+private:
+    OpenEnd * borrower = nullptr;
 };

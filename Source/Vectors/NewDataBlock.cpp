@@ -1,6 +1,6 @@
 #include "Vectors/NewDataBlock.h"
 
-#include "Vectors/FreeList.h"
+#include "support/ObjectPool.h"
 #include "torvelan/SharedBlocks.h"
 
 #include <algorithm>
@@ -13,7 +13,7 @@ constexpr std::uint64_t largestSize = PTRDIFF_MAX;
 constexpr std::uint64_t leastBytesFromFile = 5;
 constexpr std::uint64_t mostZeros = std::uint64_t{1} << 30; // that may stand for what did not come
 
-FreeList<sizeof(NewDataBlock), 4096> freeBlocks;
+ObjectPool<sizeof(NewDataBlock)> freeBlocks;
 
 // What does not come is zeros.
 void readWhole(BlockBacking & from, char * dest, std::uint64_t bytes) {
@@ -59,20 +59,37 @@ void NewDataBlock::dropMemory() noexcept {
     capacity_ = 0;
 }
 
+void NewDataBlock::placeEnd() noexcept {
+    if (backing_ == nullptr) {
+        end = {data + size_, data + capacity()};
+    } else if (data == nullptr) {
+        backing_->lend(&end);
+    } else {
+        backing_->takeBack();
+        end = {};
+    }
+}
+
 char * NewDataBlock::readIn() {
     BlockMemory::Piece const piece = BlockMemory::allocate(std::max<std::uint64_t>(size_, sizeof(std::int32_t)));
     readWhole(*backing_, piece.data, size_);
     data = piece.data;
     capacity_ = piece.bytes;
+    placeEnd();
     return data;
 }
 
 void NewDataBlock::addData(void const * source, std::uint64_t bytes) {
+    if (data == nullptr && backing_->take(source, bytes)) {
+        size_ += bytes;
+        return;
+    }
     if (backing_ != nullptr && !backing_->isWritten()) prepareChange();
     if (data != nullptr) makeRoom(bytes);
     if (backing_ != nullptr) backing_->append(source, bytes);
     if (data != nullptr && bytes != 0) std::memcpy(data + size_, source, bytes);
     size_ += bytes;
+    placeEnd();
 }
 
 void NewDataBlock::growFor(std::uint64_t bytes) {
@@ -91,6 +108,7 @@ void NewDataBlock::setCapacity(std::uint64_t bytes) {
     }
     data = piece.data;
     capacity_ = piece.bytes;
+    placeEnd();
 }
 
 std::uint64_t NewDataBlock::read(void * dest, std::uint64_t bytes, std::uint64_t offset) const {
@@ -103,27 +121,29 @@ std::uint64_t NewDataBlock::read(void * dest, std::uint64_t bytes, std::uint64_t
 void NewDataBlock::prepareChange() {
     if (backing_ == nullptr) return;
     realise();
-    if (backing_->isWritten())
+    if (backing_->isWritten()) {
         changed_ = true;
-    else
+    } else {
         backing_.reset();
+        placeEnd();
+    }
 }
 
 void NewDataBlock::resize(std::uint64_t bytes) {
     if (bytes == 0 && data == nullptr && !isWritten()) { // nothing is worth reading
         backing_.reset();
         data = inlineData;
-        capacity_ = inlineBytes;
         size_ = 0;
     }
     prepareChange();
     reserve(bytes);
     size_ = bytes;
+    placeEnd();
 }
 
 void NewDataBlock::reserve(std::uint64_t bytes) {
     realise();
-    if (bytes > capacity_) setCapacity(bytes);
+    if (bytes > capacity()) setCapacity(bytes);
 }
 
 void NewDataBlock::shrink() {
@@ -133,7 +153,7 @@ void NewDataBlock::shrink() {
     BlockMemory::Piece old{data, capacity_};
     std::memcpy(inlineData, data, size_);
     data = inlineData;
-    capacity_ = inlineBytes;
+    placeEnd();
     BlockMemory::release(old);
 }
 
@@ -144,21 +164,26 @@ void NewDataBlock::attach(std::unique_ptr<BlockBacking> backing) {
     size_ = backing->length();
     backing_ = std::move(backing);
     changed_ = false;
+    placeEnd();
 }
 
 void NewDataBlock::moveTo(std::unique_ptr<BlockBacking> backing) {
     if (size_ != 0) backing->append(realise(), size_);
     backing_ = std::move(backing);
     changed_ = false;
+    placeEnd();
 }
 
 void NewDataBlock::detach() {
     realise();
     backing_.reset();
+    placeEnd();
 }
 
 void NewDataBlock::free() noexcept {
-    if (backing_ != nullptr && !changed_) dropMemory();
+    if (backing_ == nullptr || changed_) return;
+    dropMemory();
+    placeEnd();
 }
 
 bool NewDataBlock::addSharedBlock(SharedBlockManager * blocks, int block, std::uint64_t bytes) {
@@ -175,6 +200,7 @@ bool NewDataBlock::addSharedBlock(SharedBlockManager * blocks, int block, std::u
         if (taken && hasBacking()) backing_->append(data + size_, there);
         if (taken) blocks->free(block);
         if (taken) size_ += there;
+        placeEnd();
     }
     appendZeros(taken ? bytes - there : bytes);
     return taken;
@@ -197,8 +223,9 @@ void NewDataBlock::appendZeros(std::uint64_t bytes) {
 // The memory, if there is any, would lack what comes by reference.
 bool NewDataBlock::splice(int link, NewDataBlock const & other) {
     bool const canBe = backing_ != nullptr && other.backing_ != nullptr && !changed_ && !other.changed_;
-    if (!canBe || !backing_->splice(link, *other.backing_)) return false;
-    size_ += other.size_;
-    free();
-    return true;
+    bool const isDone = canBe && backing_->splice(link, *other.backing_);
+    if (isDone) size_ += other.size_;
+    if (isDone) dropMemory();
+    placeEnd();
+    return isDone;
 }

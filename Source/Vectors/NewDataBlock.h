@@ -32,7 +32,7 @@ public:
     bool isShared() const noexcept { return count > 1; }
 
     std::uint64_t size() const noexcept { return size_; }
-    std::uint64_t capacity() const noexcept { return capacity_; }
+    std::uint64_t capacity() const noexcept { return isInline() ? inlineBytes : capacity_; }
     // The bytes, in memory. Reads them in if need be; what the file has lost is zeros. Throws MemoryException.
     char * realise() { return data != nullptr ? data : readIn(); }
     bool isRealised() const noexcept { return data != nullptr; }
@@ -45,20 +45,14 @@ public:
     }
     // Appends where that is a matter of a moment.
     template <class T> bool tryAppend(T const & value) noexcept {
-        if (backing_ != nullptr) {
-            if (data != nullptr || !backing_->take(&value, sizeof(T))) return false;
-            size_ += sizeof(T);
-            return true;
-        }
-        if (sizeof(T) > capacity_ - size_) return false;
-        std::memcpy(data + size_, &value, sizeof(T));
+        if (!end.take(&value, sizeof(T))) return false;
         size_ += sizeof(T);
         return true;
     }
     // Room in memory for so many bytes more, with some to spare when there was not.
     void makeRoom(std::uint64_t bytes) {
         realise();
-        if (bytes > capacity_ - size_) growFor(bytes);
+        if (bytes > capacity() - size_) growFor(bytes);
     }
 
     // Copies from the block without bringing it into memory; the answer is the number of bytes copied: 0 when the block
@@ -97,17 +91,23 @@ private:
     bool isInline() const noexcept { return data == inlineData; }
     void growFor(std::uint64_t bytes);
     void setCapacity(std::uint64_t bytes);
+    void placeEnd() noexcept; // after every change but an append at the end
     char * readIn();
     void dropMemory() noexcept;
     void appendZeros(std::uint64_t bytes);
 
-    char * data = inlineData; // null while the bytes are in the backing only
-    std::uint64_t capacity_ = inlineBytes;
+    // What appending looks at comes first. The end is that of the memory, or of a written backing that is all there is;
+    // without room where both are to be kept.
+    OpenEnd end{inlineData, inlineData + inlineBytes};
     std::uint64_t size_ = 0;
+    std::uint32_t count = 0;  // of BlockRefs
+    bool changed_ = false;    // the memory holds what the backing does not
+    char * data = inlineData; // null while the bytes are in the backing only
     std::unique_ptr<BlockBacking> backing_;
-    std::uint32_t count = 0; // of BlockRefs
-    bool changed_ = false;   // the memory holds what the backing does not
-    alignas(16) char inlineData[inlineBytes];
+    union {
+        alignas(16) char inlineData[inlineBytes];
+        std::uint64_t capacity_; // of memory that is not in the block
+    };
 };
 
 // Holder of a counted block, or of none.

@@ -1,6 +1,5 @@
 #include "Vectors/VectorRep.h"
-
-#include "Vectors/FreeList.h"
+#include "support/ObjectPool.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -19,7 +18,7 @@ namespace {
 constinit UntouchedRecord untouchedPlain(false);
 constinit UntouchedRecord untouchedMultiple(true);
 
-FreeList<sizeof(VectorRep), 4096> freeRecords;
+ObjectPool<sizeof(VectorRep)> freeRecords;
 
 void freeSlots(char ** first, char ** last) noexcept {
     for (; first != last; ++first) {
@@ -107,9 +106,9 @@ VectorRep * VectorRep::tryMakeOwn() const noexcept {
 }
 
 VectorRep::VectorRep(VectorRep const & other)
-    : range(other.range), block(sharedBlock(other)), divisionRanges(other.divisionRanges), multiple(other.multiple),
-      type(other.type), physType(other.physType), divisionIndex(other.divisionIndex), labels(other.labels),
-      labelGroup(other.labelGroup) {}
+    : block(sharedBlock(other)), range(other.range), type(other.type), multiple(other.multiple),
+      physType(other.physType), divisionRanges(other.divisionRanges), divisionIndex(other.divisionIndex),
+      labels(other.labels), labelGroup(other.labelGroup) {}
 
 VectorRep::~VectorRep() {
     if (type == VD_STRING) dropContents();

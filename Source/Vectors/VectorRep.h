@@ -118,22 +118,23 @@ struct VectorRep {
     static void operator delete(void * memory) noexcept;
     static void operator delete(void * memory, std::nothrow_t const &) noexcept;
 
-    ValueRange range;                   // cached, of all data
-    BlockRef block;                     // null until there are data
-    YVector<ValueRange> divisionRanges; // cached, one a division; empty until somebody asks, and for one division
-    bool multiple = false;
+    // What appending looks at comes first, in one line of the cache.
+    BlockRef block;   // null until there are data
+    ValueRange range; // cached, of all data
+    std::uint32_t refCount = 1;
     VD_type type = VD_REAL;
+    bool multiple = false;
     PhysType physType = PT_UNKNOWN;
+    YVector<ValueRange> divisionRanges; // cached, one a division; empty until somebody asks, and for one division
     DivisionTable divisionIndex;
     std::shared_ptr<NameArray const> labels;
     YString labelGroup; // group whose labels are to be fetched; empty when `labels` is current
-    std::uint32_t refCount = 1;
 
 private:
     enum class Growth { exact, inSteps };
 
     friend union UntouchedRecord;
-    constexpr VectorRep(std::uint32_t count, bool isMultiple) noexcept : multiple(isMultiple), refCount(count) {}
+    constexpr VectorRep(std::uint32_t count, bool isMultiple) noexcept : refCount(count), multiple(isMultiple) {}
     VectorRep(VectorRep const & other); // with a count of 1
 
     // Not inlined: the compiler would see the untouched records pass by and warn of their deletion, blind to the count.
@@ -152,7 +153,7 @@ private:
 };
 
 // Values of a running simulation come in here one by one.
-template <class T> void VectorRep::append(T const & value, double measure) {
+template <class T> [[gnu::always_inline]] inline void VectorRep::append(T const & value, double measure) {
     if (!block || block->isShared()) ownBlock();
     if (!divisionRanges.empty()) noteAppended(block->size() + sizeof(T), measure);
     if (block->size() == 0)

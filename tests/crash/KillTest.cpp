@@ -1,6 +1,7 @@
 // Real processes that die while they write, at moments that nobody chose and behind each of the first writes. The
 // environment variable TORVELAN_KILLS sets how many; `make crashtest` asks for many.
 #include "Source/DataFiles/DataFilesFixture.h"
+#include "support/ChildProcess.h"
 #include "support/FileSystem.h"
 
 #include <csignal>
@@ -88,7 +89,7 @@ protected:
         YString const path = folder.path("killed.tvdat");
         int told[2];
         ASSERT_EQ(pipe(told), 0);
-        pid_t const writer = fork();
+        pid_t const writer = forkBounded();
         if (writer == 0) {
             close(told[0]);
             std::optional<FileSystemInUse> inUse;

@@ -1,10 +1,12 @@
 // One process writes, four read: every value is what it should be, no reader is refused, and lengths never shrink. The
 // environment variable TORVELAN_SOAK sets the seconds; `make crashtest` asks for more.
 #include "Source/DataFiles/DataFilesFixture.h"
+#include "support/ChildProcess.h"
 
 #include <csignal>
 #include <cstdlib>
 #include <ctime>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -25,6 +27,11 @@ double now() {
 double seconds() {
     char const * const asked = std::getenv("TORVELAN_SOAK");
     return asked != nullptr ? std::atof(asked) : 2;
+}
+
+off_t sizeOf(YString const & path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 ? status.st_size : 0;
 }
 
 class Readers : public DataFilesFixture {
@@ -77,13 +84,16 @@ protected:
 
 TEST_F(Readers, OfARunSeeNothingButWhatWasWritten) {
     YString const path = folder.path("run.tvdat");
-    pid_t const writer = fork();
+    pid_t const writer = forkBounded();
     if (writer == 0) write(path);
-    while (bytesOf(path).size() < 200'000) usleep(1000); // the records are there
+    for (int tries = 0; sizeOf(path) < 200'000; ++tries) { // until the records are there
+        ASSERT_LT(tries, 30'000) << "the writer does not write";
+        usleep(1000);
+    }
     std::vector<pid_t> readers;
     double const until = now() + seconds();
     for (int r = 0; r < 4; ++r) {
-        readers.push_back(fork());
+        readers.push_back(forkBounded());
         if (readers.back() == 0) _exit(read(path, until) > 0 ? 0 : 1);
     }
     for (pid_t reader : readers) {
