@@ -12,8 +12,10 @@ StreamClaims::StreamClaims(DfsFile const & file) : file_(file) {
 }
 
 bool StreamClaims::claim(std::int64_t id, StreamType type) {
-    return id > DfsFile::settingsStream && id != DfsFile::firstBootStream && file_.isStream(id, type) && isBegin(id) &&
-           taken_.insert(id).second;
+    if (id <= DfsFile::settingsStream || id == DfsFile::firstBootStream) return false;
+    if (!file_.isStream(id, type) || !isBegin(id) || taken_.findPlain(id) != ExtentIndex::none) return false;
+    taken_.insertPlain(id, 0);
+    return true;
 }
 
 bool StreamClaims::isBegin(std::int64_t id) const noexcept {

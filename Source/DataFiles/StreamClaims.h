@@ -3,9 +3,8 @@
 #pragma once
 
 #include "Dfs/DfsFile.h"
-#include "support/SeededHash.h"
+#include "Dfs/ExtentIndex.h"
 
-#include <unordered_set>
 #include <vector>
 
 class StreamClaims {
@@ -22,5 +21,5 @@ private:
 
     DfsFile const & file_;
     std::vector<Range> successors_; // ids that other extents go on with, in order
-    std::unordered_set<std::int64_t, SeededHash> taken_;
+    ExtentIndex taken_;
 };

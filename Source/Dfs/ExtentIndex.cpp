@@ -1,29 +1,30 @@
 #include "Dfs/ExtentIndex.h"
 
+#include <algorithm>
 #include <bit>
 #include <utility>
 
 namespace {
 
-constexpr std::size_t leastPlaces = 64;
+constexpr std::size_t leastPages = 8;
 constexpr unsigned wordBits = 64;
 
 } // namespace
 
-std::size_t ExtentIndex::home(std::int64_t id) const noexcept {
-    return hash_(static_cast<std::uint64_t>(id)) >> shift_;
+std::size_t ExtentIndex::home(std::int64_t number) const noexcept {
+    return hash_(static_cast<std::uint64_t>(number)) >> shift_;
 }
 
-std::size_t ExtentIndex::search(std::int64_t id) const noexcept {
-    std::size_t at = home(id);
-    while (places_[at].id != 0 && places_[at].id != id) at = next(at);
+std::size_t ExtentIndex::search(std::int64_t number) const noexcept {
+    std::size_t at = home(number);
+    while (pages_[at].number >= 0 && pages_[at].number != number) at = next(at);
     return at;
 }
 
 ExtentIndex::Slot ExtentIndex::findPlain(std::int64_t id) const noexcept {
-    if (places_.empty() || id <= 0) return none;
-    Place const & place = places_[search(id)];
-    return place.id == id ? place.slot : none;
+    if (pages_.empty() || id <= 0) return none;
+    Page const & page = pages_[search(id >> pageBits)];
+    return page.number >= 0 ? page.slots[static_cast<std::size_t>(id) % pageSize] : none;
 }
 
 ExtentIndex::Slot ExtentIndex::findRun(std::int64_t id) const noexcept {
@@ -32,35 +33,50 @@ ExtentIndex::Slot ExtentIndex::findRun(std::int64_t id) const noexcept {
 }
 
 void ExtentIndex::insertPlain(std::int64_t id, Slot slot) {
-    reserve(count_ + 1);
-    places_[search(id)] = {id, slot};
-    ++count_;
+    reservePages(count_ + 1);
+    Page & page = pages_[search(id >> pageBits)];
+    if (page.number < 0) {
+        page.number = id >> pageBits;
+        std::fill_n(page.slots, pageSize, none);
+        ++count_;
+    }
+    page.slots[static_cast<std::size_t>(id) % pageSize] = slot;
+    ++page.used;
 }
 
-// The entries behind the gap move up, those of them that would not be found otherwise.
 void ExtentIndex::erasePlain(std::int64_t id) noexcept {
     if (findPlain(id) == none) return;
-    std::size_t gap = search(id);
-    std::size_t const mask = places_.size() - 1;
-    for (std::size_t at = next(gap); places_[at].id != 0; at = next(at)) {
-        std::size_t const fromHome = (at - home(places_[at].id)) & mask;
+    std::size_t const at = search(id >> pageBits);
+    pages_[at].slots[static_cast<std::size_t>(id) % pageSize] = none;
+    if (--pages_[at].used == 0) erasePage(at);
+}
+
+// The pages behind the gap move up, those of them that would not be found otherwise.
+void ExtentIndex::erasePage(std::size_t gap) noexcept {
+    std::size_t const mask = pages_.size() - 1;
+    for (std::size_t at = next(gap); pages_[at].number >= 0; at = next(at)) {
+        std::size_t const fromHome = (at - home(pages_[at].number)) & mask;
         if (fromHome < ((at - gap) & mask)) continue;
-        places_[gap] = places_[at];
+        pages_[gap] = pages_[at];
         gap = at;
     }
-    places_[gap] = {};
+    pages_[gap] = {};
     --count_;
 }
 
 void ExtentIndex::reserve(std::size_t plainEntries) {
-    if (plainEntries * 2 > places_.size()) resize(std::max(leastPlaces, std::bit_ceil(plainEntries * 2)));
+    reservePages(plainEntries / pageSize + 1);
 }
 
-void ExtentIndex::resize(std::size_t places) {
-    std::vector<Place> const before = std::exchange(places_, std::vector<Place>(places));
-    shift_ = wordBits - static_cast<unsigned>(std::countr_zero(places));
-    for (Place const & place : before)
-        if (place.id != 0) places_[search(place.id)] = place;
+void ExtentIndex::reservePages(std::size_t count) {
+    if (count * 2 > pages_.size()) resize(std::max(leastPages, std::bit_ceil(count * 2)));
+}
+
+void ExtentIndex::resize(std::size_t pages) {
+    std::vector<Page> const before = std::exchange(pages_, std::vector<Page>(pages));
+    shift_ = wordBits - static_cast<unsigned>(std::countr_zero(pages));
+    for (Page const & page : before)
+        if (page.number >= 0) pages_[search(page.number)] = page;
 }
 
 void ExtentIndex::clear() {

@@ -24,19 +24,25 @@ public:
     void clear();
 
 private:
-    struct Place {
-        std::int64_t id = 0; // 0: free
-        Slot slot = none;
+    // Ids follow one another closely, so that many of them share a page, and what is looked up in turn lies in turn.
+    static constexpr unsigned pageBits = 4;
+    static constexpr std::size_t pageSize = std::size_t{1} << pageBits;
+    struct Page {
+        std::int64_t number = -1; // of ids from number * pageSize on; negative: free
+        std::int32_t used = 0;
+        Slot slots[pageSize];
     };
 
-    std::size_t home(std::int64_t id) const noexcept;
-    std::size_t next(std::size_t at) const noexcept { return (at + 1) & (places_.size() - 1); }
-    std::size_t search(std::int64_t id) const noexcept; // where it stands, or would; there are places
-    void resize(std::size_t places);
+    std::size_t home(std::int64_t number) const noexcept;
+    std::size_t next(std::size_t at) const noexcept { return (at + 1) & (pages_.size() - 1); }
+    std::size_t search(std::int64_t number) const noexcept; // where it stands, or would; there are pages
+    void reservePages(std::size_t count);
+    void resize(std::size_t pages);
+    void erasePage(std::size_t gap) noexcept;
 
     SeededHash hash_;
-    std::vector<Place> places_; // none, or a power of two, at most half full
-    unsigned shift_ = 64;       // 64 less its logarithm
-    std::size_t count_ = 0;
+    std::vector<Page> pages_; // none, or a power of two, at most half full
+    unsigned shift_ = 64;     // 64 less its logarithm
+    std::size_t count_ = 0;   // of pages in use
     std::map<std::int64_t, Slot> runs_;
 };

@@ -16,6 +16,16 @@ bool fileGoesWith(Group const & group) noexcept {
     return group.dataFileTemporary && !group.keepDataFile;
 }
 
+// The first eight characters as a number. Where two such numbers differ, names are in their order.
+std::uint64_t beginOf(std::string_view name) noexcept {
+    std::uint64_t number = 0;
+    for (std::size_t i = 0; i < sizeof number; ++i) {
+        auto const c = static_cast<unsigned char>(i < name.size() ? name[i] : 0);
+        number = number << 8 | (c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+    }
+    return number;
+}
+
 bool nameTaken(int line) {
     internal_error("Error found in module %s, line %d", "Source\\plots", line);
     return false;
@@ -67,15 +77,20 @@ bool Group::rename(dvec * vector, YString const & newName) {
 }
 
 YArray<dvec *> Group::vectorsInOrder() const {
-    struct Named {
-        std::string_view name; // beside the vector, so that the sort does not look into it
+    struct Named { // beside the vector, so that the sort does not look into it
+        std::uint64_t begin;
+        std::string_view name;
         dvec * vector;
     };
     YArray<Named> sorted;
     sorted.reserve(vectors.size());
-    vectors.forEach([&sorted](dvec & vector) { sorted.push_back({vector.name().view(), &vector}); });
-    std::sort(sorted.begin(), sorted.end(),
-              [](Named const & a, Named const & b) { return compareNoCase(a.name, b.name) < 0; });
+    vectors.forEach([&sorted](dvec & vector) {
+        std::string_view const vectorName = vector.name();
+        sorted.push_back({beginOf(vectorName), vectorName, &vector});
+    });
+    std::sort(sorted.begin(), sorted.end(), [](Named const & a, Named const & b) {
+        return a.begin != b.begin ? a.begin < b.begin : compareNoCase(a.name, b.name) < 0;
+    });
     YArray<dvec *> inOrder;
     inOrder.reserve(sorted.size());
     for (Named const & named : sorted) inOrder.push_back(named.vector);

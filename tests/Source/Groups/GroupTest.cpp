@@ -20,6 +20,16 @@ TEST_F(GroupTest, NameOrderIsThatOfLowerCaseBytes) {
                                      YString("b"), YString("Z"), YString("\xe9")));
 }
 
+TEST_F(GroupTest, LongNamesAreInOrderToTheirEnds) {
+    Group * group = makeGroup("", "grp", 0);
+    std::vector<std::string> names = {"Resistance10", "resistance1",  "RESISTANCE",
+                                      "resistan",     "resistance1_", "resistancE2"};
+    for (std::string const & name : names) member(group, name.c_str());
+    EXPECT_THAT(group->namesInOrder(),
+                testing::ElementsAre(YString("resistan"), YString("RESISTANCE"), YString("resistance1"),
+                                     YString("Resistance10"), YString("resistance1_"), YString("resistancE2")));
+}
+
 TEST_F(GroupTest, WalkGoesInNameOrderAndSurvivesDeletions) {
     Group * group = makeGroup("", "grp", 0);
     for (char const * name : {"c", "b", "a", "d"}) member(group, name);
