@@ -86,7 +86,12 @@ VEC_ERROR vec_DestroyAllGroups() {
 }
 
 VEC_ERROR vec_FixGroup(YString const & name) {
-    if (Group * group = findGroup(name)) group->forEachVector([](dvec & vector) { vector.shrinkReal(); });
+    Group * const group = findGroup(name);
+    if (group == nullptr) return VEC_OK;
+    group->forEachVector([](dvec & vector) {
+        vector.shrinkReal();
+        if (!vector.ref.name().empty()) vector.ref.shrinkReal(); // it may be nobody else's
+    });
     return VEC_OK;
 }
 

@@ -88,7 +88,7 @@ std::uint32_t storedRunId() {
     return isRunId ? static_cast<std::uint32_t>(value) : 0;
 }
 
-bool restore(YRef<DfsFile> const & file, YString const & path, VecOpenGroupOptions options, YString * groupName,
+bool restore(YRef<DfsFile> const & file, YString const & path, VecOpenGroupOptions options, NameArray * names,
              MessageHandler & messages) {
     UnlistedGroup group(makeUnlistedGroup(YString()));
     group->dataFile = std::make_shared<NativeDataFile>(file);
@@ -99,18 +99,17 @@ bool restore(YRef<DfsFile> const & file, YString const & path, VecOpenGroupOptio
     if (result == BootResult::laterRevision)
         messages.warning("Data file '%s': file created with a later program version. Some data may be missing", path);
     if (!options.assignRunId && !knowsItsRun()) group->hasRealData = true;
-    finishRestored(group.release(), storedName, options, groupName);
+    finishRestored(group.release(), storedName, options, names);
     return true;
 }
 
-bool openCurrentFile(YString const & path, VecOpenGroupOptions options, YString * groupName,
-                     MessageHandler & messages) {
+bool openCurrentFile(YString const & path, VecOpenGroupOptions options, NameArray * names, MessageHandler & messages) {
     auto const file = std::make_shared<DfsFile>(path, options.update ? DfsMode::update : DfsMode::read);
     if (!file->isOpen()) return tellWhyNotOpen(path, file->openError(), messages);
-    return setUp(*file, path, messages) && restore(file, path, options, groupName, messages);
+    return setUp(*file, path, messages) && restore(file, path, options, names, messages);
 }
 
-bool openAny(YString const & path, VecOpenGroupOptions options, YString * groupName, MessageHandler & messages) {
+bool openAny(YString const & path, VecOpenGroupOptions options, NameArray * names, MessageHandler & messages) {
     FileVersion const * version = nullptr;
     int openError = 0;
     HeaderResult const header = readVersion(path, &version, &openError);
@@ -118,7 +117,7 @@ bool openAny(YString const & path, VecOpenGroupOptions options, YString * groupN
     if (char const * words = headerWords(header)) return tellLoadFailed(path, words, messages);
     if (!options.ignoreLock && isBeingWritten(path)) return tellWhyNotOpen(path, EBUSY, messages);
     auto const open = version->code < streamVersion ? openOlderFile : openCurrentFile;
-    return open(path, options, groupName, messages);
+    return open(path, options, names, messages);
 }
 
 void assignRun(Group * group) {
@@ -134,6 +133,11 @@ Group * mergeInto(Group * group, YString const & storedName) {
     mergeGroup(*known, *group);
     destroyGroup(group);
     return known;
+}
+
+bool openFile(YString const & path, VecOpenGroupOptions options, NameArray * names, YRef<MessageHandler> messages) {
+    if (messages == nullptr) messages = std::make_shared<NullMessageHandler>();
+    return reportingMemory([&] { return openAny(path, options, names, *messages); });
 }
 
 } // namespace
@@ -159,18 +163,25 @@ void setFileStays(Group & group, bool stays) noexcept {
     group.dataFileTemporary = !stays;
 }
 
-void finishRestored(Group * group, YString const & storedName, VecOpenGroupOptions options, YString * groupName) {
+void finishRestored(Group * group, YString const & storedName, VecOpenGroupOptions options, NameArray * names) {
     if (options.assignRunId) assignRun(group);
     if (options.merge) group = mergeInto(group, storedName);
-    if (groupName != nullptr) *groupName = group->name;
+    names->push_back(group->name);
 }
 
 bool vec_OpenGroup(YString const & path, VecOpenGroupOptions options, YString * groupName,
                    YRef<MessageHandler> messages) {
-    if (messages == nullptr) messages = std::make_shared<NullMessageHandler>();
-    return reportingMemory([&] { return openAny(path, options, groupName, *messages); });
+    NameArray names;
+    bool const opened = openFile(path, options, &names, messages);
+    if (groupName != nullptr && !names.empty()) *groupName = names.back();
+    return opened;
 }
 
 Group * openGroupFile(YString const & path, YRef<MessageHandler> const & messages) {
-    return vec_OpenGroup(path, VecOpenGroupOptions(), nullptr, messages) ? nameSpace().current : nullptr;
+    NameArray names;
+    bool const opened = openFile(path, VecOpenGroupOptions(), &names, messages);
+    Group * const last = opened ? findGroup(names.back()) : nullptr;
+    for (YString const & name : names)
+        if (Group * const group = findGroup(name); group != nullptr && group != last) destroyGroup(group);
+    return last;
 }

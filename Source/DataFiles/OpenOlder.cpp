@@ -71,6 +71,7 @@ private:
         if (count <= 0) return false;
         for (; count > 0; --count)
             if (!readVector()) return false;
+        showCommonParts(group);
         return true;
     }
 
@@ -142,8 +143,7 @@ private:
         bool const isWide = has(olderWide);
         bool const read =
             isWide ? appendEntries<std::int64_t>(*table, record) : appendEntries<std::int32_t>(*table, record);
-        if (read && record.divisionIndex.count() == static_cast<std::int64_t>(group.labels->size()))
-            record.setLabels(group.labels);
+        if (read) labelDivisions(record, record.divisionIndex.count(), group);
         return read;
     }
 
@@ -188,7 +188,7 @@ std::unique_ptr<OlderStream> openAt(YString const & path, std::int64_t position,
 
 } // namespace
 
-bool openOlderFile(YString const & path, VecOpenGroupOptions options, YString * groupName, MessageHandler & messages) {
+bool openOlderFile(YString const & path, VecOpenGroupOptions options, NameArray * names, MessageHandler & messages) {
     std::int64_t position = 0;
     do {
         if (!files().open(path, options.update ? FileMode::update : FileMode::read))
@@ -202,7 +202,7 @@ bool openOlderFile(YString const & path, VecOpenGroupOptions options, YString * 
         YString storedName;
         if (!OlderGroup(records, *group).read(&storedName)) return tellLoadFailed(path, notRestoredWords, messages);
         listRestoredGroup(group.get(), storedName, options.merge, messages);
-        finishRestored(group.release(), storedName, options, groupName);
+        finishRestored(group.release(), storedName, options, names);
     } while (position != 0);
     return true;
 }

@@ -1,6 +1,7 @@
 #include "DataFiles/ReadVectors.h"
 
 #include "DataFiles/BootRecords.h"
+#include "DataFiles/ContinuedVectors.h"
 #include "DataFiles/StreamBacking.h"
 #include "DataFiles/VectorFileAccess.h"
 #include "Dfs/StreamReader.h"
@@ -30,10 +31,20 @@ public:
         if (static_cast<std::uint64_t>(count) > reader.left() / leastVectorBytes) return false;
         for (; count > 0; --count)
             if (!readVector()) return false;
+        if (file->isWritable() && !fillUpVectors(group, mostToFillUp())) return false;
+        showCommonParts(group);
         return true;
     }
 
 private:
+    // A multiple of what the file has, so that a small one cannot fill a disk.
+    std::uint64_t mostToFillUp() const {
+        constexpr std::uint64_t always = 256 << 20, timesOfData = 8;
+        std::uint64_t bytes = 0;
+        for (auto const & [id, record] : records) bytes += record->bytes();
+        return always + timesOfData * bytes;
+    }
+
     bool readVector() {
         YString tag;
         std::int32_t flags;
@@ -105,8 +116,7 @@ private:
         if (hasDivisions)
             record.divisionIndex.attach(std::make_unique<StreamBacking>(file, divisions), elementWidth(record.type),
                                         file->path());
-        bool const isLabelled = record.divisionIndex.storedCount() == static_cast<std::int64_t>(group.labels->size());
-        if (isLabelled && !group.labels->empty()) record.setLabels(group.labels);
+        labelDivisions(record, record.divisionIndex.storedCount(), group);
     }
 
     Group & group;
@@ -123,11 +133,15 @@ std::int64_t commonDivisions(BaseVector const & a, BaseVector const & b) {
     return i;
 }
 
-// Where a vector and its reference are not equally long, because the run was cut off, both show what both have.
+// One that shows some divisions only, over a reference that shows others, has been made so.
+bool hasCommonPart(XYVector const & vector) {
+    return !vector.ref.name().empty() && !vector.isString() && !vector.ref.isString() &&
+           VectorFileAccess::view(vector) == VectorFileAccess::view(vector.ref);
+}
+
 void showCommonPart(XYVector & vector) {
     NamedVector & reference = vector.ref;
-    bool const isCountable = !vector.isString() && !reference.isString();
-    if (!isCountable || vector.totalLength() == reference.totalLength()) return;
+    if (!hasCommonPart(vector) || vector.totalLength() == reference.totalLength()) return;
     if (vector.numDivisions() == 1 && reference.numDivisions() == 1) {
         std::int64_t const n = std::min(vector.length(), reference.length());
         vector.limitLength(n);
@@ -145,12 +159,19 @@ void showCommonPart(XYVector & vector) {
 
 } // namespace
 
+void labelDivisions(VectorRep & record, std::int64_t entries, Group const & group) {
+    std::int64_t const divisions = std::max<std::int64_t>(entries, 1); // one has no table
+    if (divisions == static_cast<std::int64_t>(group.labels->size())) record.setLabels(group.labels);
+}
+
 void finishRestoredVector(dvec & vector, std::uint16_t flags) {
     constexpr std::uint16_t ofAliases = VF_ALIAS | VF_REFALIAS;
     vector.flags = static_cast<std::uint16_t>(flags & (VF_READONLY | (vector.isString() ? ofAliases : 0)));
-    if (vector.ref.name().empty()) return;
-    vector.owner()->hasRealData = true;
-    showCommonPart(vector);
+    if (!vector.ref.name().empty() || equalNoCase(vector.name(), "$$RunId")) vector.owner()->hasRealData = true;
+}
+
+void showCommonParts(Group & group) {
+    group.forEachVector([](dvec & vector) { showCommonPart(vector); });
 }
 
 PhysType restoredPhysType(std::uint16_t stored) noexcept {

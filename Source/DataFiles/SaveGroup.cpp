@@ -21,11 +21,20 @@ std::unique_ptr<OpenFile> holdForReplacing(YString const & path) {
     return nullptr;
 }
 
+// What the name of a file beside another begins with: as much of that one's as leaves room for a number.
+YString nameBeside(YString const & path) {
+    constexpr std::size_t longestName = 255, room = 20;
+    std::string_view const whole = path;
+    std::size_t const nameStart = whole.rfind('/') + 1;
+    bool const isCut = whole.size() - nameStart <= longestName; // a longer one is no name of a file
+    return YString::joined(isCut ? YString(whole.substr(0, nameStart + longestName - room)) : path, {".new-"});
+}
+
 // Beside the file that it is to replace: that one is whole until the new one is. Nobody else has it, so that a run can
 // always hold it.
 YRef<DfsFile> makeBeside(YString const & path, DfsMode mode) {
     YString place;
-    auto file = files().openUnique(YString::joined(sp_GetFullPath(path), {".new-"}), &place);
+    auto file = files().openUnique(nameBeside(sp_GetFullPath(path)), &place);
     if (file == nullptr) return nullptr;
     if (mode == DfsMode::create) lockForWriting(file->descriptor());
     return std::make_shared<DfsFile>(std::move(file), path, mode, place);

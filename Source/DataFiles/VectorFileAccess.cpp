@@ -8,7 +8,7 @@ void VectorFileAccess::adopt(BaseVector & vector, VectorRep & rep) {
 }
 
 void VectorFileAccess::setView(BaseVector & vector, View view) {
-    if (view.firstDivision == 0 && view.endDivision == -1) return;
+    if (view == View()) return;
     std::int64_t const n = vector.record().divisions();
     bool const isOpen = view.endDivision == -1;
     bool const exists = view.firstDivision >= 0 && view.firstDivision < n &&

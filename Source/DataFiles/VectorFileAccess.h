@@ -7,6 +7,7 @@ struct VectorFileAccess {
     struct View {
         std::int64_t firstDivision = 0;
         std::int64_t endDivision = -1;
+        friend bool operator==(View const &, View const &) = default;
     };
 
     // The record that appending goes to, made where there is none; shared with whoever shares it.

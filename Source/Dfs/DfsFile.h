@@ -99,13 +99,15 @@ public:
     std::uint64_t length(std::int64_t id); // in bytes
 
     // --- links
-    // Enters the streams of another file in this one. The answer is the number of the link for spliceLinkedStream; -1
-    // when the file is this one, is linked already, or cannot be linked.
+    // Enters the streams of another file in this one. The answer is the number of the link for spliceLinkedStream;
+    // alreadyLinked also when the file is this one, and notLinkable for one whose data can only be copied: one that
+    // goes on in a file that is linked already, for instance.
+    static constexpr int alreadyLinked = -1, notLinkable = INT32_MAX;
     int addLink(DfsFile & other);
     // Continues a stream with one of the linked file.
     bool spliceLinkedStream(std::int64_t id, int link, std::int64_t otherId);
     bool isLink(int link, DfsFile const & other) const; // whether the number stands for this file
-    bool rewriteLinkTable(); // the links made since the last time reach the file
+    bool rewriteLinkTable();                            // the links made since the last time reach the file
 
     DfsDirectory const & directory() const noexcept { return directory_; }
     struct Link {

@@ -81,8 +81,8 @@ bool DfsFile::openLinksTo(DfsFile const & other) {
 }
 
 int DfsFile::addLink(DfsFile & other) {
-    if (file_ == nullptr || other.file_ == nullptr || isKnown(other.file_->identity())) return -1;
-    if (!other.flushAll()) return -1; // what waits there would not be seen here
+    if (file_ == nullptr || other.file_ == nullptr || isKnown(other.file_->identity())) return alreadyLinked;
+    if (!other.flushAll()) return notLinkable; // what waits there would not be seen here
     std::size_t const before = links_.size();
     std::int64_t base = 0;
     try {
@@ -97,7 +97,7 @@ int DfsFile::addLink(DfsFile & other) {
     }
     if (base == 0) {
         links_.resize(before);
-        return -1;
+        return notLinkable;
     }
     links_[before].idBase = base;
     return static_cast<int>(before);

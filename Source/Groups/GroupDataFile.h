@@ -17,8 +17,8 @@ public:
     virtual bool appendText(int stream, YString const & text) = 0;
     virtual void readTexts(int stream, YArray<YString> * out) = 0; // appends all texts of a stream
     virtual void update() = 0;                                     // what was appended can be read by others
-    // Makes the data of another file part of this one, by reference. The answer is the number by which
-    // IfVector::appendVector knows the link; -1 when the file is linked already.
+    // Makes the data of another file part of this one, by reference. The answer is the number by which appendVector of
+    // IfVector knows the link, or one that copies the data if there can be none; -1 when the file is linked already.
     virtual int link(GroupDataFile & other) = 0;
     virtual void writeLinks() = 0; // the table of links as it stands
     virtual void deleteWhenClosed() = 0;

@@ -4,6 +4,7 @@
 #include "support/ChildProcess.h"
 #include "support/FileSystem.h"
 
+#include <cmath>
 #include <csignal>
 #include <cstdlib>
 #include <ctime>
@@ -119,18 +120,31 @@ protected:
         goOn(path);
     }
 
+    // What the kill has left of the one and not of the other is no number there; all else stands over its own x.
     void goOn(YString const & path) {
+        constexpr std::int64_t more = 10000;
         Group * again = open(path, forUpdate());
         ASSERT_NE(again, nullptr) << words->last();
         std::int64_t const had = again->find("a")->totalLength();
-        for (std::int64_t i = had; i < had + 10000; ++i) {
-            again->find("a")->addVal(valueOf(0, i));
+        ASSERT_EQ(again->find("time")->totalLength(), had);
+        for (std::int64_t i = had; i < had + more; ++i) {
             again->find("time")->addVal(static_cast<double>(i));
+            for (std::size_t s = 0; s < std::size(signals); ++s) again->find(signals[s])->addVal(valueOf(s, i));
         }
         destroyGroup(again);
         Group * whole = open(path);
         ASSERT_NE(whole, nullptr) << words->last();
-        ASSERT_EQ(whole->find("a")->totalLength(), had + 10000);
+        for (std::size_t s = 0; s < std::size(signals); ++s) {
+            dvec const & vector = *whole->find(signals[s]);
+            ASSERT_EQ(vector.totalLength(), had + more);
+            ASSERT_EQ(vector.ref.totalLength(), had + more);
+            double const * const values = vector.realData();
+            double const * const times = vector.ref.realData();
+            for (std::int64_t i = 0; i < had + more; ++i) {
+                ASSERT_TRUE(times[i] == static_cast<double>(i) || (i < had && std::isnan(times[i]))) << i;
+                ASSERT_TRUE(values[i] == valueOf(s, i) || (i < had && std::isnan(values[i]))) << i;
+            }
+        }
         destroyGroup(whole);
     }
 };

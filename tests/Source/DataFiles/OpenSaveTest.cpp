@@ -165,6 +165,61 @@ TEST_F(OpenSave, ATemporaryFileThatHasBeenReplacedStays) {
     EXPECT_EQ(folder.fileCount(), 1U) << "what was saved is no temporary file";
 }
 
+TEST_F(OpenSave, NamesMayBeAsLongAsFilesMayHave) {
+    Group * group = newRun({"a"});
+    for (std::size_t length : {200, 235, 241, 255}) {
+        YString const path = folder.path(std::string(length, 'n'));
+        for (int n = 0; n < 2; ++n) {
+            ASSERT_TRUE(save(group, path)) << words->last();
+            EXPECT_NE(open(path), nullptr) << length;
+        }
+    }
+    EXPECT_EQ(folder.fileCount(), 4U);
+    words->clear();
+    EXPECT_TRUE(save(group, folder.path(std::string(256, 'n')))) << "that is no path";
+    EXPECT_TRUE(words->texts.empty());
+    EXPECT_EQ(folder.fileCount(), 4U);
+}
+
+TEST_F(OpenSave, TheLabelOfASingleDivisionComesBack) {
+    Group * group = newRun({"a"});
+    addPoint(group, {"a"}, 1);
+    vec_AddGroupDivision(group->name, "only");
+    stringMember(group, "note", "has none");
+    YString const path = folder.path("saved.tvdat");
+    ASSERT_TRUE(save(group, path));
+    Group * back = open(path);
+    EXPECT_EQ(text(back->find("a")->divisionLabel(0)), "only");
+    EXPECT_EQ(text(back->find("a")->ref.divisionLabel(0)), "only");
+}
+
+TEST_F(OpenSave, AGroupWithARunNumberHasRealData) {
+    YString const path = folder.path("saved.tvdat");
+    ASSERT_TRUE(save(makeGroup("A run", "tran", 12345), path));
+    EXPECT_TRUE(open(path)->hasRealData);
+}
+
+TEST_F(OpenSave, AVectorThatShowsLessThanItsReferenceStaysSo) {
+    for (int what = 0; what < 3; ++what) {
+        Group * group = newRun({"a"});
+        for (int d = 0; d < 5; ++d) {
+            if (d != 0) addDivision(group, {"time", "a"}, "next");
+            for (int i = 0; i <= d; ++i) addPoint(group, {"a"}, d * 10 + i);
+        }
+        dvec & a = *group->find("a");
+        if (what == 0) a.selectDivision(2);
+        if (what == 1) a.openDivisionAt(3);
+        if (what == 2) a.limitDivisions(2);
+        YString const path = folder.path("saved.tvdat");
+        ASSERT_TRUE(save(group, path));
+        dvec const & is = *open(path)->find("a");
+        ASSERT_EQ(is.numDivisions(), a.numDivisions());
+        for (std::int64_t d = 0; d < a.numDivisions(); ++d) EXPECT_EQ(values(is, d), values(a, d));
+        EXPECT_EQ(is.ref.numDivisions(), 5);
+        EXPECT_EQ(is.ref.totalLength(), 15);
+    }
+}
+
 TEST_F(OpenSave, APathThatCannotBeWrittenIsNotTold) {
     Group * group = newRun({});
     EXPECT_TRUE(save(group, folder.path("no/such/folder.tvdat")));

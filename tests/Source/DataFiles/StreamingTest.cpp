@@ -31,6 +31,25 @@ TEST_F(Streaming, ReadersSeeWhatTheLastUpdateShowed) {
     EXPECT_EQ(run->find("a")->getReal(points), points);
 }
 
+TEST_F(Streaming, AReferenceThatIsNoMemberIsShownToo) {
+    YString const path = folder.path("run.tvdat");
+    Group * run = makeGroup("A run", "tran", 0);
+    auto * a = new dvec("a", run, PT_VOLTAGE);
+    a->ref.setName("time");
+    a->enterGroup();
+    ASSERT_EQ(initialise(run, path), VEC_OK);
+    for (int i = 0; i < 100; ++i) {
+        a->addVal(static_cast<double>(-i));
+        a->ref.addVal(static_cast<double>(i));
+    }
+    vec_FixGroup(run->name);
+    vec_DataSent(run->name, false);
+    Group * seen = open(path, ignoringLock());
+    ASSERT_EQ(seen->find("a")->length(), 100);
+    EXPECT_EQ(values(*seen->find("a")).back(), -99);
+    EXPECT_EQ(values(seen->find("a")->ref).back(), 99);
+}
+
 TEST_F(Streaming, OthersAreTurnedAwayWhileTheRunWrites) {
     YString const path = folder.path("run.tvdat");
     Group * run = newRun({"a"});
