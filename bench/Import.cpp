@@ -20,6 +20,10 @@ fs::path placeOf(std::string const & name) {
     return fs::temp_directory_path() / ("torvelan-bench-" + std::to_string(getpid()) + "-" + name);
 }
 
+bool isBetweenNumbers(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == ',' || c == '(' || c == ')';
+}
+
 void finish(benchmark::State & state, ImportFile const & file) {
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * static_cast<std::int64_t>(file.bytes()));
 }
@@ -64,7 +68,7 @@ void fastFloatLoop(benchmark::State & state, ImportFile const & file, char const
     for (auto _ : state) {
         double sum = 0;
         for (char const * p = begin; p < end;) {
-            while (p < end && (*p == ' ' || *p == '\t' || *p == '\n' || *p == ',')) ++p;
+            while (p < end && isBetweenNumbers(*p)) ++p;
             double value = 0;
             auto const parsed = fast_float::from_chars(p, end, value);
             if (parsed.ec != std::errc()) break;

@@ -1,5 +1,6 @@
 // Text/table/<rows>: a text table of four columns through vec_OpenForeignDataFile; Text/column/<rows>: one column
-// without a name. Limit/fast_float_<what>: a bare fast_float loop over the same mapped text.
+// without a name; Text/complex/<rows>: a frequency and two complex columns. Limit/fast_float_<what>: a bare fast_float
+// loop over the same mapped text.
 #include "Import.h"
 
 namespace {
@@ -24,6 +25,17 @@ bench::ImportFile const & column() {
     return made;
 }
 
+bench::ImportFile const & pairs() {
+    static bench::ImportFile const made("pairs.txt", [](std::FILE * out) {
+        std::vector<double> const v = bench::values(rows * 4, 2, -1, 1);
+        std::fputs("freq v(a) v(b)\n", out);
+        for (std::size_t i = 0; i < rows; ++i)
+            std::fprintf(out, "%.15e (%.15e,%.15e) (%.15e,%.15e)\n", static_cast<double>(i), v[4 * i], v[4 * i + 1],
+                         v[4 * i + 2], v[4 * i + 3]);
+    });
+    return made;
+}
+
 void readTable(benchmark::State & state) {
     bench::readFile(state, table(), DATA_TEXT, "time", rows, static_cast<double>(rows - 1));
 }
@@ -32,8 +44,16 @@ void readColumn(benchmark::State & state) {
     bench::readFile(state, column(), DATA_TEXT, "Data", rows, static_cast<double>(rows - 1));
 }
 
+void readPairs(benchmark::State & state) {
+    bench::readFile(state, pairs(), DATA_TEXT, "freq", rows, static_cast<double>(rows - 1));
+}
+
 void tableLimit(benchmark::State & state) {
     bench::fastFloatLoop(state, table(), "\n");
+}
+
+void pairsLimit(benchmark::State & state) {
+    bench::fastFloatLoop(state, pairs(), "\n");
 }
 
 void columnLimit(benchmark::State & state) {
@@ -44,6 +64,8 @@ void columnLimit(benchmark::State & state) {
 
 BENCHMARK(readTable)->Name("Text/table/500000")->Unit(benchmark::kMillisecond);
 BENCHMARK(tableLimit)->Name("Limit/fast_float_table/500000")->Unit(benchmark::kMillisecond);
+BENCHMARK(readPairs)->Name("Text/complex/500000")->Unit(benchmark::kMillisecond);
+BENCHMARK(pairsLimit)->Name("Limit/fast_float_complex/500000")->Unit(benchmark::kMillisecond);
 BENCHMARK(readColumn)->Name("Text/column/500000")->Unit(benchmark::kMillisecond);
 BENCHMARK(columnLimit)->Name("Limit/fast_float_column/500000")->Unit(benchmark::kMillisecond);
 BENCHMARK_MAIN();

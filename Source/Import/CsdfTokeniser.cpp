@@ -70,6 +70,7 @@ void CsdfTokeniserImpl::yield() {
 }
 
 double csdfNumber(std::string_view text) noexcept {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size())); // of a quoted word
     if (text.starts_with('+')) {
         text.remove_prefix(1);
         if (text.starts_with('-')) return 0;

@@ -1,6 +1,7 @@
 // Reader of PSpice's binary data files, of five generations in two layouts.
 #pragma once
 
+#include "Import/BinaryPoints.h"
 #include "torvelan/Containers.h"
 #include "torvelan/Messages.h"
 
@@ -24,6 +25,10 @@ struct PSpiceShape {
     std::size_t numVectors = 0;
     std::int64_t pointsAhead = 0; // for which memory is taken
     bool isComplex = false;
+
+    BinaryPoints::Values valuesInFile() const noexcept {
+        return isComplex ? BinaryPoints::Values::floatPairs : BinaryPoints::Values::floats;
+    }
 };
 // Reads the names and makes the vectors in the group, in file order, the first being everybody's reference. False when
 // a name is missing, too long or of no known form.

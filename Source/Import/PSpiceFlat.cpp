@@ -1,7 +1,7 @@
 // The flat layout: a header of fixed order, the names, and points to the end of the file.
 #include "Groups/Group.h"
 #include "Import/BinaryInput.h"
-#include "Import/FloatPoints.h"
+#include "Import/BinaryPoints.h"
 #include "Import/PSpice.h"
 
 #include <algorithm>
@@ -20,7 +20,7 @@ public:
         if (!readHeader()) return false;
         group_->name = YString::joined("pspice", {YString(nextGroupNumber++)});
         // More than there are, since the header counts as well.
-        mostPoints_ = stream_.getFileSize() / shape_.numVectors / FloatPoints::bytesOfValue(false);
+        mostPoints_ = stream_.getFileSize() / shape_.numVectors / BinaryPoints::bytesOf(BinaryPoints::Values::floats);
         if (mostPoints_ < 1) return false;
         shape_.pointsAhead = pointsAhead();
         if (!readPSpiceNames(input_, group_, shape_, vectors_)) return false;
@@ -63,15 +63,15 @@ private:
     std::int64_t pointsAhead() const {
         auto const rest = static_cast<std::int64_t>(stream_.getFileSize()) - stream_.tellg();
         auto const pointBytes =
-            static_cast<std::int64_t>(FloatPoints::bytesOfValue(shape_.isComplex) * shape_.numVectors);
+            static_cast<std::int64_t>(BinaryPoints::bytesOf(shape_.valuesInFile()) * shape_.numVectors);
         return std::max<std::int64_t>(rest, 0) / pointBytes;
     }
 
     // A point that ends within its first value is not there; one that ends later is damage. The reference of complex
     // data is real.
     bool readPoints() {
-        FloatPoints const points(vectors_, shape_.isComplex, FloatPoints::Reference::real, is51_ ? 1 : 0);
-        FloatPoints::Outcome const outcome = points.read(stream_, mostPoints_);
+        BinaryPoints const points(vectors_, shape_.valuesInFile(), BinaryPoints::Reference::real, is51_ ? 1 : 0);
+        BinaryPoints::Outcome const outcome = points.read(stream_, mostPoints_);
         return outcome.complete || outcome.rest < points.valueBytes() || outcome.rest == points.pointBytes();
     }
 

@@ -4,7 +4,7 @@
 // it for 8 bytes whatever it is.
 #include "Groups/Group.h"
 #include "Import/BinaryInput.h"
-#include "Import/FloatPoints.h"
+#include "Import/BinaryPoints.h"
 #include "Import/PSpice.h"
 #include "support/Numbers.h"
 
@@ -137,7 +137,7 @@ private:
 
     // As many as were announced, if the rest of the file can hold them.
     std::int64_t pointsAhead() const {
-        auto const valueBytes = static_cast<std::int64_t>(FloatPoints::bytesOfValue(header_.shape.isComplex));
+        auto const valueBytes = static_cast<std::int64_t>(BinaryPoints::bytesOf(header_.shape.valuesInFile()));
         std::int64_t const pointBytes = static_cast<std::int64_t>(sizeof(double)) + (header_.columns - 1) * valueBytes;
         return std::min(header_.rows, std::max<std::int64_t>(fileSize_ - stream_.tellg(), 0) / pointBytes);
     }
@@ -189,7 +189,7 @@ private:
         if (vectors_.size() < 2) return skipBody(frame.size - frameBytes_);
         if (input_.failed() || frame.size < frameInData) return false;
         std::span<dvec * const> const others = std::span(vectors_).subspan(1);
-        FloatPoints const points(others, header_.shape.isComplex);
+        BinaryPoints const points(others, header_.shape.valuesInFile());
         auto const stride = static_cast<std::int64_t>(points.stride());
         std::int64_t const count = (frame.size - frameInData) / stride;
         std::int64_t const kept = std::min(count, std::max<std::int64_t>(header_.rows - analysisRows_, 0));

@@ -66,14 +66,44 @@ bool isColumnSeparator(char c) {
     return c == ' ' || c == ',' || c == '\t' || c == '\r';
 }
 
-// A number that begins with a digit or a point, which "inf" and "nan" do not. Null when it is none, or has something
-// behind it that is no separator.
-char const * parseColumn(char const * p, char const * end, double & value) {
+char const * skipColumnSeparators(char const * p, char const * end) {
+    while (p != end && isColumnSeparator(*p)) ++p;
+    return p;
+}
+
+// Whether a column ends here.
+bool endsColumn(char const * p, char const * end) {
+    return p != end && (isColumnSeparator(*p) || *p == '\n');
+}
+
+// A number that begins with a digit or a point, which "inf" and "nan" do not. Null when it is none.
+char const * parseDecimal(char const * p, char const * end, double & value) {
     char const first = p != end && *p == '-' ? (p + 1 != end ? p[1] : '\0') : (p != end ? *p : '\0');
     if (first != '.' && (first < '0' || first > '9')) return nullptr;
     auto const result = fast_float::from_chars(p, end, value);
-    bool const ends = result.ptr != end && (isColumnSeparator(*result.ptr) || *result.ptr == '\n');
-    return result.ec == std::errc() && ends ? result.ptr : nullptr;
+    return result.ec == std::errc() ? result.ptr : nullptr;
+}
+
+// The same, null also when it has something behind it that is no separator.
+char const * parseColumn(char const * p, char const * end, double & value) {
+    p = parseDecimal(p, end, value);
+    return p != nullptr && endsColumn(p, end) ? p : nullptr;
+}
+
+char const * parsePair(char const * p, char const * end, complex & value) {
+    bool const opened = p != end && *p == '(';
+    p = parseColumn(opened ? p + 1 : p, end, value.re);
+    if (p == nullptr) return nullptr;
+    p = skipColumnSeparators(p, end);
+    if (!opened) return parseColumn(p, end, value.im);
+    p = parseDecimal(p, end, value.im);
+    return p != nullptr && p != end && *p == ')' && endsColumn(p + 1, end) ? p + 1 : nullptr;
+}
+
+// Behind the line feed that the line ends with, whatever else it holds; 0 when that is not there.
+std::size_t behindLine(std::string_view text, char const * p) {
+    std::size_t const feed = text.find('\n', static_cast<std::size_t>(p - text.data()));
+    return feed == text.npos ? 0 : feed + 1;
 }
 
 } // namespace
@@ -90,13 +120,23 @@ std::size_t parsePlainRow(std::string_view text, double * values, std::size_t n)
     char const * p = text.data();
     char const * const end = p + text.size();
     for (std::size_t i = 0; i < n; ++i) {
-        while (p != end && isColumnSeparator(*p)) ++p;
-        p = parseColumn(p, end, values[i]);
+        p = parseColumn(skipColumnSeparators(p, end), end, values[i]);
         if (p == nullptr) return 0;
     }
-    while (p != end && isColumnSeparator(*p)) ++p;
-    std::size_t const feed = text.find('\n', static_cast<std::size_t>(p - text.data()));
-    return feed == text.npos ? 0 : feed + 1;
+    return behindLine(text, p);
+}
+
+std::size_t parsePlainRow(std::string_view text, complex * values, std::span<PlainColumn const> columns) {
+    char const * p = text.data();
+    char const * const end = p + text.size();
+    for (PlainColumn const column : columns) {
+        p = skipColumnSeparators(p, end);
+        values->im = 0;
+        p = column == PlainColumn::pair ? parsePair(p, end, *values) : parseColumn(p, end, values->re);
+        if (p == nullptr) return 0;
+        ++values;
+    }
+    return behindLine(text, p);
 }
 
 PlainNumbers parsePlainNumbers(std::string_view text, double * values, std::size_t most) {

@@ -4,6 +4,7 @@
 #include "torvelan/Complex.h"
 
 #include <cstddef>
+#include <span>
 #include <string_view>
 
 // Takes an index and n values from the front of a text: plain decimal numbers, each with white space before and behind
@@ -16,6 +17,9 @@ std::size_t parsePlainPoint(std::string_view text, complex * values, std::size_t
 // commas or carriage returns between them. The answer is the number of characters taken, the line feed included, or 0
 // when the line is not whole, has fewer, or has anything unusual among them; the values are unspecified then.
 std::size_t parsePlainRow(std::string_view text, double * values, std::size_t n);
+// The same of a table with complex columns, each of which takes two numbers, in parentheses or not.
+enum class PlainColumn : unsigned char { number, pair };
+std::size_t parsePlainRow(std::string_view text, complex * values, std::span<PlainColumn const> columns);
 
 // Takes such numbers, at most `most`, from however many lines they stand on. The one that the text ends with is left,
 // since it may go on.

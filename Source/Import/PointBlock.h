@@ -8,33 +8,30 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
+#include <type_traits>
 
 // Gathers some thousand values in file order and appends them to the vectors in turn. Whoever fills it flushes the
-// last.
+// last. Of complex values, a vector that is real takes the real parts.
 template <class Element> class PointBlock {
 public:
-    static constexpr std::size_t usualValues = 4096;
-
-    explicit PointBlock(YArray<dvec *> const & vectors, std::size_t leastValues = usualValues)
-        : vectors_(vectors), size_((leastValues + columns() - 1) / columns() * columns()),
+    explicit PointBlock(YArray<dvec *> const & vectors)
+        : vectors_(vectors), size_((usualValues + columns() - 1) / columns() * columns()),
           values_(std::make_unique_for_overwrite<Element[]>(size_)) {}
 
-    // Room for whole points, one at the least, at the start of one; addValues takes over what has been written there.
-    // Only the last may be a part of a point.
+    // Room for a point, at the start of one; addPoint takes over what has been written there. By single values, only
+    // the last point may be a part of one.
     Element * room() noexcept { return &values_[used_]; }
-    std::size_t roomValues() const noexcept { return size_ - used_; }
-    void addValues(std::size_t n) {
-        used_ += n;
-        if (used_ == size_) flush();
-    }
     void addPoint() { addValues(columns()); }
     void add(Element value) {
         values_[used_] = value;
         addValues(1);
     }
     void flush() {
-        std::size_t const part = std::max(usualValues / columns(), std::size_t{1}) * columns();
-        for (std::size_t first = 0; first < used_; first += part) append(first, std::min(first + part, used_));
+        for (std::size_t c = 0; c < vectors_.size(); ++c)
+            if (vectors_[c]->isReal())
+                append<double>(c);
+            else
+                append<Element>(c);
         flushed_ += used_;
         used_ = 0;
     }
@@ -42,14 +39,24 @@ public:
     std::uint64_t total() const noexcept { return flushed_ + used_; }
 
 private:
-    // A part that fits the processor's nearest cache, since each column goes through it again.
-    void append(std::size_t first, std::size_t last) {
-        Element column[usualValues];
-        for (std::size_t c = 0; c < vectors_.size(); ++c) {
-            std::size_t n = 0;
-            for (std::size_t i = first + c; i < last; i += columns()) column[n++] = values_[i];
-            vectors_[c]->addVals(column, n);
-        }
+    static constexpr std::size_t usualValues = 4096; // fit the processor's nearest caches
+
+    template <class Value> void append(std::size_t column) {
+        Value values[usualValues];
+        std::size_t n = 0;
+        for (std::size_t i = column; i < used_; i += columns()) values[n++] = as<Value>(values_[i]);
+        vectors_[column]->addVals(values, n);
+    }
+    template <class Value> static Value as(Element const & element) noexcept {
+        if constexpr (std::is_same_v<Value, Element>)
+            return element;
+        else
+            return element.re;
+    }
+
+    void addValues(std::size_t n) {
+        used_ += n;
+        if (used_ == size_) flush();
     }
 
     YArray<dvec *> const & vectors_;

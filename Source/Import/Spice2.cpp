@@ -1,15 +1,14 @@
 #include "Import/Spice2.h"
 
+#include "Import/BinaryPoints.h"
 #include "Import/GroupBeingRead.h"
 #include "Import/OutputFile.h"
-#include "Import/PointBlock.h"
 #include "Import/UniqueNames.h"
 #include "support/Streams.h"
 
 #include <bit>
 #include <cstring>
 #include <memory>
-#include <string_view>
 
 static_assert(std::endian::native == std::endian::little, "values are taken from the file as they stand");
 
@@ -73,8 +72,10 @@ public:
     void readValues() {
         constexpr std::int64_t modeBytes = 2, unusedBytes = 22, unusedOfEach = 4;
         stream_.seekg(modeBytes + unusedOfEach * fixed_.variables + unusedBytes, 1);
-        bool const complete = kind_ == VD_COMPLEX ? readPoints<complex>() : readPoints<double>();
-        if (complete)
+        using Values = BinaryPoints::Values;
+        BinaryPoints const points(vectors_, kind_ == VD_COMPLEX ? Values::floatPairs : Values::doubles);
+        // The file ends before the last of the points estimated, unless it grows meanwhile.
+        if (points.read(stream_, static_cast<std::uint64_t>(points_)).complete)
             for (dvec * vector : vectors_) vector->shrinkReal();
     }
 
@@ -106,39 +107,6 @@ private:
         vector->allocate(takeAhead_ ? points_ : 0, kind_);
         vector->ref = *vectors_.front();
         vector->enterGroup();
-    }
-
-    // False when the file ends before the last value of the points estimated, as it does unless it grows meanwhile.
-    template <class Element> bool readPoints() {
-        constexpr std::size_t blockValues = std::size_t{32} << 10; // read straight into the block
-        PointBlock<Element> block(vectors_, blockValues);
-        std::uint64_t left = static_cast<std::uint64_t>(points_) * vectors_.size();
-        bool whole = true;
-        while (left != 0 && whole) {
-            std::size_t const wanted = std::min<std::uint64_t>(left, block.roomValues());
-            std::size_t const values = readInto(block.room(), wanted);
-            block.addValues(values);
-            whole = values == wanted;
-            left -= values;
-        }
-        block.flush();
-        return left == 0;
-    }
-
-    std::size_t readInto(double * values, std::size_t n) {
-        return stream_.read(reinterpret_cast<char *>(values), n * valueBytes) / valueBytes;
-    }
-
-    // Pairs of floats come into the rear half of the room, and are widened from its front.
-    std::size_t readInto(complex * values, std::size_t n) {
-        char * const pairs = reinterpret_cast<char *>(values) + n * valueBytes;
-        std::size_t const read = stream_.read(pairs, n * valueBytes) / valueBytes;
-        for (std::size_t i = 0; i < read; ++i) {
-            float parts[2];
-            std::memcpy(parts, pairs + i * valueBytes, sizeof parts);
-            values[i] = {parts[0], parts[1]};
-        }
-        return read;
     }
 
     tvfstream & stream_;

@@ -7,6 +7,9 @@
 #include "support/Streams.h"
 #include "torvelan/dvec.h"
 
+#include <algorithm>
+#include <optional>
+
 namespace {
 
 double toNumber(std::string_view token) {
@@ -25,7 +28,7 @@ bool takesPairs(dvec const & vector) {
 class ColumnReader {
 public:
     ColumnReader(tvfstream & stream, YArray<dvec *> const & vectors, GapBudget & gaps)
-        : stream_(stream), vectors_(vectors), gaps_(gaps), block_(vectors), plain_(arePlain(vectors)) {}
+        : stream_(stream), vectors_(vectors), gaps_(gaps), eachOnce_(isEachOnce(vectors)) {}
 
     ColumnsEnd read() {
         RowEnd end = RowEnd::next;
@@ -42,26 +45,44 @@ private:
     enum class RowEnd { next, fileEnd, newBlock, tooSparse };
     enum class Taken { value, notANumber, badPair };
 
-    // Each vector once, and all real: rows may be gathered before they are appended.
-    static bool arePlain(YArray<dvec *> vectors) {
+    // So that rows may be gathered before they are appended.
+    static bool isEachOnce(YArray<dvec *> vectors) {
         std::sort(vectors.begin(), vectors.end());
-        return std::adjacent_find(vectors.begin(), vectors.end()) == vectors.end() &&
-               std::all_of(vectors.begin(), vectors.end(), [](dvec const * v) { return v->isReal(); });
+        return std::adjacent_find(vectors.begin(), vectors.end()) == vectors.end();
+    }
+
+    void readPlainRows() {
+        if (!eachOnce_) return;
+        if (std::all_of(vectors_.begin(), vectors_.end(), [](dvec const * v) { return v->isReal(); })) {
+            gatherRows(real_, [this](std::string_view text, double * values) {
+                return parsePlainRow(text, values, vectors_.size());
+            });
+        } else {
+            findPairs();
+            gatherRows(mixed_,
+                       [this](std::string_view text, complex * values) { return parsePlainRow(text, values, kinds_); });
+        }
+    }
+
+    void findPairs() {
+        kinds_.clear();
+        for (dvec const * vector : vectors_)
+            kinds_.push_back(takesPairs(*vector) ? PlainColumn::pair : PlainColumn::number);
     }
 
     // Rows where they lie in the stream's buffer, as long as there is nothing unusual about them. They give what
     // readRow would, only sooner.
-    void readPlainRows() {
-        if (!plain_) return;
+    template <class Element, class Parse> void gatherRows(std::optional<PointBlock<Element>> & block, Parse parse) {
+        if (!block) block.emplace(vectors_);
         std::size_t rows = 0, bytes = 0;
-        while (std::size_t const taken = parsePlainRow(stream_.buffered(), block_.room(), block_.columns())) {
+        while (std::size_t const taken = parse(stream_.buffered(), block->room())) {
             stream_.skipBuffered(taken);
-            block_.addPoint();
+            block->addPoint();
             ++rows;
             bytes += taken;
         }
         if (rows >= rowsToJudgeBy && !foreseen_) expectRows(rows, bytes);
-        block_.flush();
+        block->flush();
     }
 
     // The rest of the file may go on like this. It may also be a hole, for which memory must not be wanted in earnest.
@@ -131,7 +152,6 @@ private:
         value.im = toNumber(token);
         if (opened && !token.ends_with(')') && nextToken() != ")") return false;
         if (!vector.becomeComplex()) return false;
-        plain_ = false;
         vector.addVal(value);
         return true;
     }
@@ -141,9 +161,11 @@ private:
     tvfstream & stream_;
     YArray<dvec *> const & vectors_;
     GapBudget & gaps_;
-    PointBlock<double> block_;
-    bool plain_;
-    bool foreseen_ = false; // memory has been taken for the rest of the file
+    bool const eachOnce_;
+    std::optional<PointBlock<double>> real_;
+    std::optional<PointBlock<complex>> mixed_; // when a vector is complex
+    YArray<PlainColumn> kinds_;                // of the vectors then
+    bool foreseen_ = false;                    // memory has been taken for the rest of the file
     YString line_;
     std::string_view rest_; // of the line
 };

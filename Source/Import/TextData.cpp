@@ -7,6 +7,7 @@
 #include "Import/UniqueNames.h"
 #include "support/Streams.h"
 
+#include <algorithm>
 #include <numeric>
 
 namespace {
@@ -67,12 +68,27 @@ private:
         return ColumnsEnd::finished;
     }
 
-    static void giveIndex(dvec & vector) {
-        NamedVector index("Index");
-        index.setSize(vector.length(), VD_REAL);
-        double * const values = index.writableRealData();
-        std::iota(values, values + vector.length(), 0.0);
-        vector.ref = index;
+    // The values are counted from 0, in each division. An index that is there already goes on.
+    void giveIndex(dvec & vector) const {
+        YString const name("Index");
+        std::int64_t const last = vector.numDivisions() - 1;
+        bool const goesOn = last > 0 && vector.ref.name() == name && vector.ref.numDivisions() == last;
+        if (!goesOn) vector.ref = NamedVector(name);
+        for (std::int64_t division = goesOn ? last : 0; division <= last; ++division) {
+            if (division != 0) vector.ref.addDivision(group_->name);
+            appendCount(vector.ref, vector.length(division));
+        }
+    }
+
+    static void appendCount(NamedVector & index, std::int64_t n) {
+        constexpr std::int64_t most = 1024;
+        double values[most];
+        index.expectVals(n);
+        for (std::int64_t done = 0; done < n; done += most) {
+            std::int64_t const count = std::min(most, n - done);
+            std::iota(values, values + count, static_cast<double>(done));
+            index.addVals(values, static_cast<std::size_t>(count));
+        }
     }
 
     tvfstream & stream_;

@@ -1,6 +1,7 @@
 #include "Vectors/NewDataBlock.h"
 
 #include "support/ObjectPool.h"
+#include "support/StreamingCopy.h"
 #include "torvelan/SharedBlocks.h"
 
 #include <algorithm>
@@ -12,6 +13,9 @@ constexpr std::uint64_t largestSize = PTRDIFF_MAX;
 
 constexpr std::uint64_t leastBytesFromFile = 5;
 constexpr std::uint64_t mostZeros = std::uint64_t{1} << 30; // that may stand for what did not come
+
+// From this size on the beginning of a block has left the nearer caches before its end is there.
+constexpr std::uint64_t beyondCache = std::uint64_t{4} << 20;
 
 ObjectPool<sizeof(NewDataBlock)> freeBlocks;
 
@@ -87,7 +91,12 @@ void NewDataBlock::addData(void const * source, std::uint64_t bytes) {
     if (backing_ != nullptr && !backing_->isWritten()) prepareChange();
     if (data != nullptr) makeRoom(bytes);
     if (backing_ != nullptr) backing_->append(source, bytes);
-    if (data != nullptr && bytes != 0) std::memcpy(data + size_, source, bytes);
+    if (data != nullptr && bytes != 0) {
+        if (capacity_ < beyondCache)
+            std::memcpy(data + size_, source, bytes);
+        else
+            sp_CopyPastCache(data + size_, static_cast<char const *>(source), bytes);
+    }
     size_ += bytes;
     placeEnd();
 }

@@ -74,15 +74,15 @@ double measureOf(complex const & value) {
 }
 
 template <class T> void appendAll(VectorRep & rep, T const * values, std::size_t n) {
-    if (n == 0) return;
-    rep.append(*values, measureOf(*values)); // decides whether there is a range
-    std::size_t done = 1;
-    if (rep.divisionRanges.empty()) {
-        rep.block->addData(values + 1, (n - 1) * sizeof(T));
-        if (rep.range.isValid()) widen(rep.range, values + 1, n - 1);
-        done = n;
+    if (n < 2 || !rep.divisionRanges.empty()) {
+        for (std::size_t i = 0; i < n; ++i) rep.append(values[i], measureOf(values[i]));
+        return;
     }
-    for (; done < n; ++done) rep.append(values[done], measureOf(values[done]));
+    if (!rep.block || rep.block->isShared()) rep.ownBlock();
+    bool const isFirst = rep.block->size() == 0; // and decides whether there is a range
+    rep.block->addData(values, n * sizeof(T));
+    if (isFirst) rep.range.set(measureOf(*values));
+    if (rep.range.isValid()) widen(rep.range, values, n);
 }
 
 } // namespace

@@ -50,6 +50,7 @@ TEST_F(TvshFiles, TextTablesAreKnownByTheirNumbers) {
     EXPECT_EQ(value(file("a.csv", "time,v(out)\n0,1\n1,2k\n"), "out[1]"), "out[1] = 2 kV\n");
     EXPECT_EQ(value(file("b.txt", "* words\nx y\r\n(1,2) 3\r\n"), "y"), "y = 3\n");
     EXPECT_EQ(value(file("c.txt", "1\n2\n-3\n"), "sum(Data)"), "sum(Data) = 0\n");
+    EXPECT_EQ(value(file("e.txt", "z\n( 1 2 )\n"), "im(z)"), "im(z) = 2\n");
     EXPECT_EQ(value("text:" + file("d.txt", "a b\n"), "length(a)"), "length(a) = 0\n");
 }
 
@@ -120,6 +121,7 @@ TEST_F(TvshFiles, PlaceOfAFaultIsTold) {
     expectRefusal("spice3:" + changed("No. Variables", "No. Variable"), {"'No. Variables' has not come before"});
     expectRefusal(file("t.txt", "a b\n1 2\n* end\n\n"), {"Bad format in ASCII data file", "line 3: found '* end'"});
     expectRefusal("text:" + file("e.txt", "\n"), {"no line that is not blank"});
+    expectRefusal("spice2:" + file("none", ""), {"the file ends at byte 0"});
 }
 
 } // namespace

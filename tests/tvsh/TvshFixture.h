@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -46,7 +47,7 @@ protected:
     ~Tvsh() override { std::filesystem::remove_all(folder); }
 
     Outcome run(Words const & words, std::string const & redirection = "</dev/null") {
-        std::string command = quoted(TVSH_PROGRAM);
+        std::string command = inShell + quoted(TVSH_PROGRAM);
         for (std::string const & word : words) command += " " + quoted(word);
         auto const out = folder / "out", err = folder / "err";
         if (redirection.find('>') == std::string::npos) command += " >" + quoted(out);
@@ -69,14 +70,29 @@ protected:
         return (folder / name).string();
     }
 
+    // In the folder, by name.
+    Words filesNamed(std::string const & beginning) const {
+        Words names;
+        for (auto const & entry : std::filesystem::directory_iterator(folder))
+            if (entry.path().filename().string().starts_with(beginning)) names.push_back(entry.path().filename());
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
     static std::string rawHeader(std::string const & flags, int points) {
         return "Title: made by a test\nDate: today\nPlotname: Transient\nFlags: " + flags +
                "\nNo. Variables: 2\nNo. Points: " + std::to_string(points) +
                "\nVariables:\n\t0\ttime\ttime\n\t1\tv(out)\tvoltage\n";
+    }
+    static std::string rawWithPoints(int points) {
+        std::string text = rawHeader("real", points) + "Values:\n";
+        for (int i = 0; i < points; ++i) text += std::to_string(i) + "\t" + std::to_string(i) + "\n\t1.5\n";
+        return text;
     }
     std::string rawFile() {
         return file("small.raw", rawHeader("real", 3) + "Values:\n 0\t0\n\t1.5\n 1\t1\n\t-2\n 2\t2\n\t4\n");
     }
 
     std::filesystem::path folder;
+    std::string inShell; // commands of the shell that run it
 };

@@ -4,6 +4,7 @@
 #include "ExitStatus.h"
 #include "FileForm.h"
 #include "OpenFiles.h"
+#include "ReadingProgress.h"
 
 #include "torvelan/DataFiles.h"
 #include "torvelan/EngineSession.h"
@@ -48,8 +49,7 @@ public:
             EngineSession::Command const command;
             std::vector<YString> groups;
             auto const start = Clock::now();
-            tellBeginning(file);
-            if (!openFile(file, console_, &groups)) status = exitInput;
+            if (!read(file, &groups)) status = exitInput;
             std::chrono::duration<double> const taken = Clock::now() - start;
             for (YString const & group : groups)
                 if (!save(group, file)) return exitOutput;
@@ -59,6 +59,11 @@ public:
     }
 
 private:
+    bool read(std::string const & file, std::vector<YString> * groups) {
+        ReadingProgress const progress(pathOf(file));
+        return openFile(file, console_, groups);
+    }
+
     // The name chosen may be that of any file; names that follow from it only stand for files of the same kind.
     bool save(YString const & group, std::string const & file) {
         int count = 0;
@@ -90,15 +95,10 @@ private:
     }
 
     // For work that takes a while, to a person only.
-    static void tellBeginning(std::string const & file) {
-        constexpr std::uintmax_t large = 50'000'000;
-        if (isatty(STDERR_FILENO) != 0 && sizeOf(file) >= large)
-            writeError(file + ": reading " + megabytes(sizeOf(file)) + "\n");
-    }
     static void tellSpeed(std::string const & file, double seconds) {
         constexpr double worthTelling = 0.5;
         if (isatty(STDERR_FILENO) == 0 || seconds < worthTelling) return;
-        double const rate = static_cast<double>(sizeOf(file)) / seconds / 1e6;
+        double const rate = static_cast<double>(sizeOf(pathOf(file))) / seconds / 1e6;
         writeError(std::string(formatMessage("read in %.1f s, %.0f MB/s\n", seconds, rate)));
     }
 

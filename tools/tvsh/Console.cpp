@@ -1,6 +1,7 @@
 #include "Console.h"
 
 #include "ExitStatus.h"
+#include "ReadingProgress.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -39,6 +40,7 @@ void writeOut(std::string_view text) {
 
 void writeError(std::string_view text) {
     std::fflush(stdout);
+    ReadingProgress::giveWay();
     std::fwrite(text.data(), 1, text.size(), stderr);
 }
 

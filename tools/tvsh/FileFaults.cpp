@@ -36,7 +36,7 @@ public:
     }
     std::string const & line() const noexcept { return line_; }
     long number() const noexcept { return number_; }
-    std::string fault(std::string const & words) const { return atLine(number_, words); }
+    std::string fault(std::string const & words) const { return number_ == 0 ? words : atLine(number_, words); }
     bool isBlank() const { return line_.find_first_not_of(blanks) == std::string::npos; }
 
 private:

@@ -102,8 +102,9 @@ bool isQuadrel(Head const & head) {
 bool beginsWithNumber(std::string const & line) {
     auto const words = wordsOf(line, " ,\t\r");
     if (words.empty()) return false;
-    auto const digits = words[0].find_first_not_of("+-.(");
-    return digits != std::string_view::npos && digits < 3 && words[0][digits] >= '0' && words[0][digits] <= '9';
+    std::string_view const first = words[words.size() > 1 && words[0] == "(" ? 1 : 0];
+    auto const digits = first.find_first_not_of("+-.(");
+    return digits != std::string_view::npos && digits < 3 && first[digits] >= '0' && first[digits] <= '9';
 }
 
 // Nothing but text, of which some line is numbers.

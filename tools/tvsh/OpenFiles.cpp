@@ -4,6 +4,7 @@
 #include "FileForm.h"
 
 #include "torvelan/DataFiles.h"
+#include "torvelan/Exceptions.h"
 #include "torvelan/ForeignData.h"
 #include "torvelan/Groups.h"
 
@@ -57,6 +58,7 @@ bool isPipeOrDevice(std::string const & path) {
 constexpr char const * binaryText =
     "this is a SPICE3 raw file in the binary form, and only the ASCII form can be read; "
     "give ngspice the command 'set filetype=ascii' before it writes the file";
+constexpr char const * noMemoryText = "there is not enough memory for this file";
 constexpr char const * notAFileText = "this is a device or a pipe; results are read from files only";
 constexpr char const * unknownText =
     "the type of this file is not recognised; native data files, text tables, SPICE2 and SPICE3 raw "
@@ -188,6 +190,10 @@ char const * const fileHelp =
     "results of a simulator, or a text table; TYPE:FILE names the type (native, text, spice2, spice3, "
     "pspice, csdf, quadrel), as in spice3:FILE";
 
+std::string pathOf(std::string const & argument) {
+    return splitArgument(argument).path;
+}
+
 bool openFile(std::string const & argument, std::shared_ptr<ConsoleMessages> const & messages,
               std::vector<YString> * groups) {
     FileArgument const file = splitArgument(argument);
@@ -196,8 +202,12 @@ bool openFile(std::string const & argument, std::shared_ptr<ConsoleMessages> con
     bool opened = false;
     try {
         opened = openAs(file, messages);
+    } catch (FatalException const &) { // what can be written here is files of the values while they are read
+        messages->error("cannot write to the folder for temporary files, which may be full; TMPDIR names another one");
+    } catch (MemoryException const &) {
+        messages->error("%s", noMemoryText);
     } catch (std::bad_alloc const &) {
-        messages->error("there is not enough memory for this file");
+        messages->error("%s", noMemoryText);
     }
     if (groups != nullptr && (opened || leavesWholeSets(file))) appendNew(before, groups);
     messages->setSubject("");

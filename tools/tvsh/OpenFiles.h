@@ -15,6 +15,8 @@
 bool openFile(std::string const & argument, std::shared_ptr<ConsoleMessages> const & messages,
               std::vector<YString> * groups = nullptr);
 
+std::string pathOf(std::string const & argument); // without the type
+
 // Whether a file can be made or replaced; if not, that has been reported with its name.
 bool canWriteFile(std::string const & path, MessageHandler & messages);
 

@@ -234,10 +234,11 @@ TEST_F(CsdfTest, RowsHaveTheirForm) {
 }
 
 TEST_F(CsdfTest, NumbersAreReadByWhatTheyBeginWith) {
-    ASSERT_TRUE(openCsdf(Section::withRows("#C +1 2 1k .5x #C '2' 2 '3' +-4\n#C 1e400 2 1e-400 -inf #C 5 2 6. x")));
-    EXPECT_THAT(reals("time"), ElementsAre(1, 2, HUGE_VAL, 5));
-    EXPECT_THAT(reals("a"), ElementsAre(1, 3, 0, 6));
-    EXPECT_THAT(reals("r1#p"), ElementsAre(0.5, 0, -HUGE_VAL, 0));
+    ASSERT_TRUE(openCsdf(Section::withRows("#C +1 2 1k .5x #C '2' 2 '3' +-4\n#C 1e400 2 1e-400 -inf #C 5 2 6. x "
+                                           "#C ' 7' 2 '\n\t8' ' '")));
+    EXPECT_THAT(reals("time"), ElementsAre(1, 2, HUGE_VAL, 5, 7));
+    EXPECT_THAT(reals("a"), ElementsAre(1, 3, 0, 6, 8));
+    EXPECT_THAT(reals("r1#p"), ElementsAre(0.5, 0, -HUGE_VAL, 0, 0));
 }
 
 // --- the end

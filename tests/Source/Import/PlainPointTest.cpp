@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 namespace {
 
 using testing::ElementsAre;
@@ -55,6 +57,25 @@ TEST(PlainRow, LeavesTheUnusual) {
     for (char const * text : {"1\n2\n", "\n1 2\n", "1k 2\n", "+1 2\n", "1 -\n", "1 .\n", "1 -.\n", "1 inf\n",
                               "1 -inf\n", "1 nan\n", "1 1e\n", "(1 2)\n", "1 x\n", "1 0x10\n"})
         EXPECT_EQ(parsePlainRow(text, values, 2), 0u) << text;
+}
+
+constexpr PlainColumn numberAndPair[] = {PlainColumn::number, PlainColumn::pair};
+
+TEST(PlainRow, TakesPairsInParenthesesOrNot) {
+    complex values[2] = {};
+    for (std::string_view const text :
+         {"1 (2,-3)\n", "1,(2 \t-3)\r\n", "1 2 -3\n", " 1, 2,-3 4 word\n", "1 (2,-3),x\n"}) {
+        std::fill_n(values, 2, complex{9, 9});
+        EXPECT_EQ(parsePlainRow(text, values, numberAndPair), text.size()) << text;
+        EXPECT_THAT(values, ElementsAre(complex{1, 0}, complex{2, -3})) << text;
+    }
+}
+
+TEST(PlainRow, LeavesUnusualPairs) {
+    complex values[2] = {};
+    for (char const * text : {"1 (2,3\n", "1 (2\n", "1 ( 2,3)\n", "1 (2,3 )\n", "1 (2,3)x\n", "1 2,3)\n", "1 (2k,3)\n",
+                              "1 (2,)\n", "1 (2,3)", "(1,2) (3,4)\n", "1 (2)\n", "1 2\n", "1 ()\n", "1 (", "1 (2,3"})
+        EXPECT_EQ(parsePlainRow(text, values, numberAndPair), 0u) << text;
 }
 
 TEST(PlainNumbers, TakesThemFromManyLines) {

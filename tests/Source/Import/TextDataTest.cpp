@@ -412,6 +412,17 @@ TEST_F(TextDataTest, GapsOfAWideTableHaveABound) {
     expectBadFormat(content);
 }
 
+TEST_F(TextDataTest, IndexOfOneColumnHasADivisionForEachOfIts) {
+    ASSERT_TRUE(openText(".div label=a index=0\na\n1\n2\n.div label=b index=1\na\n3\n4\n5\n.div index=2\na\n6\n"));
+    dvec & a = *find("a");
+    EXPECT_EQ(a.numDivisions(), 3);
+    ASSERT_EQ(a.ref.numDivisions(), 3);
+    EXPECT_TRUE(a.sameDivisions(a.ref));
+    for (int division = 0; division < 3; ++division)
+        for (std::int64_t i = 0; i < a.length(division); ++i)
+            EXPECT_EQ(a.ref.getReal(i, division), static_cast<double>(i));
+}
+
 TEST_F(TextDataTest, AnyCutIsReadOrRefused) {
     std::string const text = "* c\n.div label=a index=0\ntime \"v(a b)\" i(r)\n0 (1,2) 1k\n1 3 4 .5\n"
                              ".div label=b index=1\ntime v(a_b) z\n0 (5 6) 7\n.\nword\n8\n";
