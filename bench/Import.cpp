@@ -95,4 +95,19 @@ void readLoop(benchmark::State & state, ImportFile const & file) {
     finish(state, file);
 }
 
+void readFreshLoop(benchmark::State & state, ImportFile const & file) {
+    for (auto _ : state) {
+        int const descriptor = open(file.path().c_str(), O_RDONLY);
+        void * const memory = mmap(nullptr, file.bytes(), PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        madvise(memory, file.bytes(), MADV_HUGEPAGE);
+        std::size_t total = 0;
+        for (ssize_t n = 0; (n = read(descriptor, static_cast<char *>(memory) + total, file.bytes() - total)) > 0;)
+            total += static_cast<std::size_t>(n);
+        close(descriptor);
+        if (total != file.bytes()) std::exit(1);
+        munmap(memory, file.bytes());
+    }
+    finish(state, file);
+}
+
 } // namespace bench

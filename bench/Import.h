@@ -36,5 +36,7 @@ void readFile(benchmark::State & state, ImportFile const & file, DataFileType ty
 void fastFloatLoop(benchmark::State & state, ImportFile const & file, char const * mark);
 // Times read(2) of the file in pieces.
 void readLoop(benchmark::State & state, ImportFile const & file);
+// Times read(2) of the file into fresh memory that holds it all, of pages as large as the machine gives.
+void readFreshLoop(benchmark::State & state, ImportFile const & file);
 
 } // namespace bench

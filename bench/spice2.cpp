@@ -1,5 +1,5 @@
 // Spice2/<kind>/<points>: a SPICE2 file of eight vectors through vec_OpenForeignDataFile. Limit/read_<kind>: read(2) of
-// the same bytes.
+// the same bytes into a small buffer. Limit/read_fresh_<kind>: into fresh memory that holds them all.
 #include "Import.h"
 
 #include <complex>
@@ -41,10 +41,16 @@ template <auto file> void limit(benchmark::State & state) {
     bench::readLoop(state, file());
 }
 
+template <auto file> void freshLimit(benchmark::State & state) {
+    bench::readFreshLoop(state, file());
+}
+
 } // namespace
 
 BENCHMARK(read<realFile>)->Name("Spice2/real/1000000")->Unit(benchmark::kMillisecond);
 BENCHMARK(limit<realFile>)->Name("Limit/read_real/1000000")->Unit(benchmark::kMillisecond);
+BENCHMARK(freshLimit<realFile>)->Name("Limit/read_fresh_real/1000000")->Unit(benchmark::kMillisecond);
 BENCHMARK(read<complexFile>)->Name("Spice2/complex/1000000")->Unit(benchmark::kMillisecond);
 BENCHMARK(limit<complexFile>)->Name("Limit/read_complex/1000000")->Unit(benchmark::kMillisecond);
+BENCHMARK(freshLimit<complexFile>)->Name("Limit/read_fresh_complex/1000000")->Unit(benchmark::kMillisecond);
 BENCHMARK_MAIN();
