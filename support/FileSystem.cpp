@@ -35,8 +35,10 @@ template <class Call> auto persistently(Call call) noexcept {
 
 class SystemFile final : public OpenFile {
 public:
-    explicit SystemFile(int descriptor) noexcept : descriptor_(descriptor) {}
-    ~SystemFile() override { close(descriptor_); }
+    ~SystemFile() override {
+        if (descriptor_ >= 0) close(descriptor_);
+    }
+    void take(int descriptor) noexcept { descriptor_ = descriptor; }
 
     std::size_t readAt(void * dest, std::size_t bytes, std::uint64_t offset) override {
         std::size_t done = 0;
@@ -86,7 +88,7 @@ public:
 private:
     static iovec piece(Bytes bytes) noexcept { return {const_cast<char *>(bytes.data()), bytes.size()}; }
 
-    int descriptor_;
+    int descriptor_ = -1;
 };
 
 // A pipe that nobody writes does not keep this waiting, and devices are not touched further.
@@ -104,14 +106,14 @@ class MachineFiles final : public FileSystem {
 public:
     std::unique_ptr<OpenFile> open(YString const & path, FileMode mode) override {
         constexpr int flags[] = {O_RDONLY, O_RDWR, O_RDWR | O_CREAT};
-        return wrap(openRegular(path, flags[static_cast<int>(mode)]));
+        return openSystemFile(path, flags[static_cast<int>(mode)]);
     }
 
     std::unique_ptr<OpenFile> openUnique(YString const & prefix, YString * path) override {
         std::random_device random;
         for (int tried = 0; tried < mostTries; ++tried) {
             YString const name = YString::joined(prefix, {YString(random())});
-            auto file = wrap(openRegular(name, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW));
+            auto file = openSystemFile(name, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW);
             if (file != nullptr) *path = name;
             if (file != nullptr || errno != EEXIST) return file;
         }
@@ -128,8 +130,11 @@ public:
     bool remove(YString const & path) override { return !holdsNul(path) && unlink(path.c_str()) == 0; }
 
 private:
-    static std::unique_ptr<OpenFile> wrap(int descriptor) {
-        return descriptor >= 0 ? std::make_unique<SystemFile>(descriptor) : nullptr;
+    // All memory is there before anything happens to a file.
+    static std::unique_ptr<OpenFile> openSystemFile(YString const & path, int flags) {
+        auto file = std::make_unique<SystemFile>();
+        file->take(openRegular(path, flags));
+        return file->descriptor() >= 0 ? std::move(file) : nullptr;
     }
 };
 

@@ -17,7 +17,7 @@ constexpr char const * notRestoredWords = "could not restore data. File may be c
 // Whether the file of a group outlives it.
 void setFileStays(Group & group, bool stays) noexcept;
 // The last steps with a group that has been read from a file and listed: its run, and its name, which goes to *names.
-void finishRestored(Group * group, YString const & storedName, VecOpenGroupOptions options, NameArray * names);
+void finishRestored(UnlistedGroup group, YString const & storedName, VecOpenGroupOptions options, NameArray * names);
 
 // Opens a file in the default way; of several groups in it the last one stays. Null, and nothing stays, when that
 // fails.

@@ -99,7 +99,7 @@ bool restore(YRef<DfsFile> const & file, YString const & path, VecOpenGroupOptio
     if (result == BootResult::laterRevision)
         messages.warning("Data file '%s': file created with a later program version. Some data may be missing", path);
     if (!options.assignRunId && !knowsItsRun()) group->hasRealData = true;
-    finishRestored(group.release(), storedName, options, names);
+    finishRestored(std::move(group), storedName, options, names);
     return true;
 }
 
@@ -127,11 +127,11 @@ void assignRun(Group * group) {
 }
 
 // In place of the group that has the stored name. Answers the one that is left.
-Group * mergeInto(Group * group, YString const & storedName) {
+Group * mergeInto(UnlistedGroup & group, YString const & storedName) {
     Group * const known = group->name == storedName ? nullptr : findGroup(storedName);
-    if (known == nullptr) return group;
+    if (known == nullptr) return group.get();
     mergeGroup(*known, *group);
-    destroyGroup(group);
+    group.reset();
     return known;
 }
 
@@ -163,10 +163,11 @@ void setFileStays(Group & group, bool stays) noexcept {
     group.dataFileTemporary = !stays;
 }
 
-void finishRestored(Group * group, YString const & storedName, VecOpenGroupOptions options, NameArray * names) {
-    if (options.assignRunId) assignRun(group);
-    if (options.merge) group = mergeInto(group, storedName);
-    names->push_back(group->name);
+void finishRestored(UnlistedGroup group, YString const & storedName, VecOpenGroupOptions options, NameArray * names) {
+    if (options.assignRunId) assignRun(group.get());
+    Group const * const left = options.merge ? mergeInto(group, storedName) : group.get();
+    names->push_back(left->name);
+    group.release();
 }
 
 bool vec_OpenGroup(YString const & path, VecOpenGroupOptions options, YString * groupName,

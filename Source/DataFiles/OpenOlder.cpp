@@ -202,7 +202,7 @@ bool openOlderFile(YString const & path, VecOpenGroupOptions options, NameArray 
         YString storedName;
         if (!OlderGroup(records, *group).read(&storedName)) return tellLoadFailed(path, notRestoredWords, messages);
         listRestoredGroup(group.get(), storedName, options.merge, messages);
-        finishRestored(group.release(), storedName, options, names);
+        finishRestored(std::move(group), storedName, options, names);
     } while (position != 0);
     return true;
 }

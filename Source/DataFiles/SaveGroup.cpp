@@ -37,7 +37,12 @@ YRef<DfsFile> makeBeside(YString const & path, DfsMode mode) {
     auto file = files().openUnique(nameBeside(sp_GetFullPath(path)), &place);
     if (file == nullptr) return nullptr;
     if (mode == DfsMode::create) lockForWriting(file->descriptor());
-    return std::make_shared<DfsFile>(std::move(file), path, mode, place);
+    try {
+        return std::make_shared<DfsFile>(std::move(file), path, mode, place);
+    } catch (...) {
+        files().remove(place);
+        throw;
+    }
 }
 
 bool writeAll(Group & group, YRef<DfsFile> const & file) {

@@ -1,5 +1,6 @@
 #include "DataFiles/StreamBacking.h"
 
+#include "support/ReportingMemory.h"
 #include "torvelan/Exceptions.h"
 #include "torvelan/Host.h"
 
@@ -28,19 +29,19 @@ void StreamBacking::findWriter() {
 
 void StreamBacking::append(void const * data, std::uint64_t bytes) {
     if (bytes == 0) return;
-    if (!file_->write(stream_, data, bytes)) throwWriteFailure(file_->path());
+    if (!reportingMemory([&] { return file_->write(stream_, data, bytes); })) throwWriteFailure(file_->path());
     findWriter();
 }
 
 bool StreamBacking::appendShared(SharedBlockManager & blocks, int block, std::uint64_t bytes) {
     bool const failedBefore = file_->writeFailed();
-    if (file_->writeSharedBlock(stream_, blocks, block, bytes)) return true;
+    if (reportingMemory([&] { return file_->writeSharedBlock(stream_, blocks, block, bytes); })) return true;
     if (file_->writeFailed() && !failedBefore) throwWriteFailure(file_->path());
     return false;
 }
 
 void StreamBacking::flush() {
-    if (!file_->flush(stream_)) throwWriteFailure(file_->path());
+    if (!reportingMemory([this] { return file_->flush(stream_); })) throwWriteFailure(file_->path());
 }
 
 // A group may show what lies in another file than its own: the stream of that number is not the one meant then.

@@ -11,6 +11,7 @@ Collections & collections() {
     static auto & all = *new Collections;
     return all;
 }
+[[maybe_unused]] Collections const & madeBeforeAnybodyAsks = collections(); // who asks needs no memory
 
 } // namespace
 

@@ -13,10 +13,16 @@ NameTable<Group *> & listedGroups() {
     return table;
 }
 
+// Nothing has happened when the memory for it is not there.
 void enlist(Group * group) {
-    listedGroups().try_emplace(group->name, group);
+    auto const [entry, isNew] = listedGroups().try_emplace(group->name, group);
+    try {
+        joinRun(group);
+    } catch (...) {
+        if (isNew) listedGroups().erase(entry);
+        throw;
+    }
     group->listed = true;
-    joinRun(group);
 }
 
 void delist(Group * group) {
@@ -93,25 +99,25 @@ void forEachGroup(std::function<void(Group &)> const & visit) {
 }
 
 void linkAtHead(Group * group) {
+    enlist(group);
     group->next = head;
     if (head != nullptr) head->previous = group;
     head = group;
-    enlist(group);
 }
 
 void linkAtTail(Group * group) {
     Group * tail = head;
     while (tail != nullptr && tail->next != nullptr) tail = tail->next;
+    enlist(group);
     (tail != nullptr ? tail->next : head) = group;
     group->previous = tail;
-    enlist(group);
 }
 
 Group * makeGroup(YString const & title, YString const & baseName, std::uint32_t runId) {
-    Group * group = makeUnlistedGroup(title);
+    UnlistedGroup group(makeUnlistedGroup(title));
     group->runId = runId;
-    listGroup(group, baseName);
-    return group;
+    listGroup(group.get(), baseName);
+    return group.release();
 }
 
 Group * makeUnlistedGroup(YString const & title) {
@@ -138,6 +144,7 @@ void listRestoredGroup(Group * group, YString const & storedName, bool quiet, Me
 }
 
 void discardGroup(Group * group) {
+    if (group->listed) return destroyGroup(group);
     delete group;
 }
 

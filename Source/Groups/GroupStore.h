@@ -37,8 +37,8 @@ dvec * findVector(std::string_view name, bool * wasQualified, bool skipCurrentGr
 // A group that is named and listed at once.
 Group * makeGroup(YString const & title, YString const & baseName, std::uint32_t runId);
 // A group that is not listed yet, for a reader to fill; listGroup names it by `baseName` and a number and lists it,
-// listRestoredGroup keeps the stored name under the rename rule and makes it current. discardGroup frees one that was
-// never listed.
+// listRestoredGroup keeps the stored name under the rename rule and makes it current. discardGroup frees one, whether
+// it has been listed or not.
 Group * makeUnlistedGroup(YString const & title);
 void listGroup(Group * group, YString const & baseName);
 void listRestoredGroup(Group * group, YString const & storedName, bool quiet, MessageHandler & messages);

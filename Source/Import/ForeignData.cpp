@@ -9,6 +9,7 @@
 #include "Import/Spice3.h"
 #include "Import/TextData.h"
 #include "support/Files.h"
+#include "support/ReportingMemory.h"
 #include "support/Streams.h"
 
 namespace {
@@ -74,22 +75,29 @@ bool openStream(tvfstream const & stream, YString const & path, MessageHandler &
     return false;
 }
 
-} // namespace
-
-bool vec_OpenForeignDataFile(YString const & path, DataFileType type, VecOpenGroupOptions options, YString * groupName,
-                             YRef<MessageHandler> messages) {
-    if (messages == nullptr) messages = std::make_shared<NullMessageHandler>();
+bool open(YString const & path, DataFileType type, VecOpenGroupOptions options, YString * groupName,
+          MessageHandler & messages) {
     ReaderRow const * const row = findReader(type);
     GroupBeingRead const group = makeGroupFor(row, path);
     tvfstream stream(path, tvfstream::modeReadUntranslated, false, false);
-    if (!openStream(stream, path, *messages)) return false;
+    if (!openStream(stream, path, messages)) return false;
     if (row == nullptr) return true;
-    if (!row->read(stream, group.get(), options, *messages)) {
-        if (row->failure != nullptr) messages->error("%s", row->failure);
+    if (!row->read(stream, group.get(), options, messages)) {
+        if (row->failure != nullptr) messages.error("%s", row->failure);
         return false;
     }
     if (groupName != nullptr) *groupName = group->name;
     return true;
+}
+
+} // namespace
+
+bool vec_OpenForeignDataFile(YString const & path, DataFileType type, VecOpenGroupOptions options, YString * groupName,
+                             YRef<MessageHandler> messages) {
+    return reportingMemory([&] {
+        if (messages == nullptr) messages = std::make_shared<NullMessageHandler>();
+        return open(path, type, options, groupName, *messages);
+    });
 }
 
 DataFileType vec_TestDataFileType(YString const & path) {

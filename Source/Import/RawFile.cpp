@@ -120,11 +120,8 @@ bool isSameFile(YString const & a, YString const & b) {
     return first != nullptr && second != nullptr && first->identity() == second->identity();
 }
 
-} // namespace
-
-bool vec_OpenRawFile(YString const & path, YString const & outputPath, VecOpenRawFileOptions options,
-                     YRef<MessageHandler> messages) {
-    if (messages == nullptr) messages = std::make_shared<NullMessageHandler>();
+bool readRawFile(YString const & path, YString const & outputPath, VecOpenRawFileOptions options,
+                 YRef<MessageHandler> const & messages) {
     tvfstream stream(path, tvfstream::modeReadUntranslated, false, false);
     if (!stream) {
         messages->error("Cannot open data file '%s'", path);
@@ -134,8 +131,16 @@ bool vec_OpenRawFile(YString const & path, YString const & outputPath, VecOpenRa
     if (output.empty() && !outputPath.empty())
         messages->warning("Cannot create data file '%s'. The data are kept in memory", outputPath);
     RawFileReader reader(stream, output, options, messages);
+    if (options.spice2) return reader.readSpice2File();
+    return options.csdf ? reader.readCsdfSections() : reader.readSpice3Sets();
+}
+
+} // namespace
+
+bool vec_OpenRawFile(YString const & path, YString const & outputPath, VecOpenRawFileOptions options,
+                     YRef<MessageHandler> messages) {
     return reportingMemory([&] {
-        if (options.spice2) return reader.readSpice2File();
-        return options.csdf ? reader.readCsdfSections() : reader.readSpice3Sets();
+        if (messages == nullptr) messages = std::make_shared<NullMessageHandler>();
+        return readRawFile(path, outputPath, options, messages);
     });
 }
