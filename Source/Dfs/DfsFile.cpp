@@ -155,6 +155,11 @@ bool DfsFile::prepareUpdate(DfsStatus own) {
         auto const end = static_cast<std::uint64_t>(entry.offset + entry.size * entry.runLength);
         allPresent = allPresent && (entry.fileIndex != 0 || entry.size == 0 || end <= fileSize_);
     });
+    for (DfsDirectory::Block const & block : directory_.blocks()) {
+        auto const bytes = static_cast<std::uint64_t>(block.entryCount) * DirectoryEntry::bytes;
+        auto const position = static_cast<std::uint64_t>(block.position);
+        allPresent = allPresent && bytes <= fileSize_ && position <= fileSize_ - bytes;
+    }
     if (slotsFit && allPresent) tail_.emplace(*file_, fileSize_);
     return tail_.has_value();
 }

@@ -205,6 +205,24 @@ TEST_F(Hostile, FilesToBeContinuedAreLeftAloneWhenTheyAreDamaged) {
     }
 }
 
+// A block of the directory that the file has lost would be written anew, wherever the chain says that it was.
+TEST_F(Hostile, AFileThatHasLostABlockOfItsDirectoryIsNotContinued) {
+    std::string const whole = sample();
+    VecOpenGroupOptions options = forUpdate();
+    options.ignoreLock = true;
+    for (std::int64_t place : {static_cast<std::int64_t>(whole.size()), std::int64_t{1} << 40, INT64_MAX - 40}) {
+        std::string bytes = with(whole, firstEntry + 16, place);
+        bytes = with(bytes, firstEntry + 24, std::int64_t{40});
+        bytes = with(bytes, firstEntry + 32, std::int64_t{77777});
+        disk.put(fileName, bytes);
+        words->clear();
+        EXPECT_EQ(open(fileName, options), nullptr);
+        EXPECT_EQ(words->last(), "Data file '/hostile.tvdat' load failed: inconsistent data. File may be corrupted");
+        EXPECT_TRUE(disk.bytes(fileName) == bytes);
+        EXPECT_NE(open(fileName, ignoringLock()), nullptr) << words->last();
+    }
+}
+
 TEST_F(Hostile, TheVersionIsTold) {
     std::string const whole = sample();
     std::string const path(fileName);
