@@ -6,7 +6,6 @@
 #include "support/Files.h"
 
 #include <cerrno>
-#include <random>
 #include <unistd.h>
 
 namespace {
@@ -298,68 +297,6 @@ TEST_F(OpenSave, VersionsAreKnownByName) {
     EXPECT_EQ(code, 45);
     EXPECT_EQ(vec_GetDataVersionCode("9.9", &code), VEC_NOT_DONE);
     EXPECT_EQ(code, 0);
-}
-
-// Random groups come back as they were.
-TEST_F(OpenSave, WhateverIsSavedComesBack) {
-    std::mt19937 random(20);
-    auto const below = [&](unsigned n) { return static_cast<int>(random() % n); };
-    for (int round = 0; round < 60; ++round) {
-        Group * group = newRun({});
-        int const steps = below(4);
-        for (int step = 0; step < steps; ++step)
-            vec_AddGroupDivision(group->name, YString("step;" + std::to_string(step) + ";time"));
-        int const count = below(12);
-        for (int k = 0; k < count; ++k) {
-            auto * vector = new dvec(YString("v" + std::to_string(k)), group, static_cast<PhysType>(below(20)));
-            int const kind = below(4);
-            if (kind == 3) {
-                std::string bytes;
-                for (int i = below(40); i > 0; --i) bytes += static_cast<char>(1 + below(255));
-                vector->setSize(1, VD_STRING);
-                vector->setString(bytes.c_str(), 0);
-                if (below(3) == 0) vector->flags |= VF_ALIAS;
-            } else {
-                if (kind == 2) vector->setSize(0, VD_COMPLEX);
-                for (int step = 0; step < std::max(steps, 1); ++step) {
-                    if (step != 0) vector->addDivision(group->name);
-                    for (int i = 1 + below(8); i > 0; --i)
-                        vector->addVal(complex{double(below(100)), double(below(9))});
-                    for (int i = 1 + below(8); i > 0; --i) vector->addVal(double(below(100)));
-                }
-            }
-            vector->enterGroup();
-            YArray<dvec *> const all = group->vectorsInOrder();
-            dvec * const other = all[static_cast<std::size_t>(below(static_cast<unsigned>(all.size())))];
-            if (below(2) == 0 && other->totalLength() == vector->totalLength() && kind != 3)
-                static_cast<NamedVector &>(vector->ref) = *other;
-        }
-        YString const path = folder.path("random.tvdat");
-        ASSERT_TRUE(save(group, path));
-        Group * back = open(path);
-        ASSERT_NE(back, nullptr) << words->last();
-        ASSERT_EQ(back->vectors.size(), group->vectors.size());
-        EXPECT_EQ(*back->labels, *group->labels);
-        group->forEachVector([&](dvec & was) {
-            dvec & is = *back->find(was.name());
-            EXPECT_EQ(is.type(), was.type());
-            EXPECT_EQ(is.physType(), was.physType());
-            EXPECT_EQ(is.isAlias(), was.isAlias());
-            ASSERT_EQ(is.numDivisions(), was.numDivisions());
-            EXPECT_EQ(is.ref.name(), was.ref.name());
-            for (std::int64_t d = 0; d < was.numDivisions(); ++d) {
-                is.setDivision(d);
-                was.setDivision(d);
-                EXPECT_TRUE(is.sameData(was)) << text(was.name()) << " division " << d;
-                is.setDivision(0);
-                was.setDivision(0);
-            }
-            for (dvec * other : group->vectorsInOrder())
-                EXPECT_EQ(was.ref.sharesRep(*other), is.ref.sharesRep(*back->find(other->name())));
-        });
-        destroyGroup(back);
-        destroyGroup(group);
-    }
 }
 
 } // namespace

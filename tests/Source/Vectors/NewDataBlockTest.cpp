@@ -14,6 +14,25 @@ BlockRef blockOf(std::string_view text) {
     return block;
 }
 
+// A file that is only read.
+class TextBacking final : public BlockBacking {
+public:
+    explicit TextBacking(std::string_view text_) : text(text_) {}
+    std::uint64_t read(void * dest, std::uint64_t bytes, std::uint64_t offset) override {
+        return text.copy(static_cast<char *>(dest), bytes, offset);
+    }
+    std::uint64_t length() override { return text.size(); }
+
+private:
+    std::string_view text;
+};
+
+BlockRef blockOnFile(std::string_view text) {
+    BlockRef block = NewDataBlock::make();
+    block->attach(std::make_unique<TextBacking>(text));
+    return block;
+}
+
 std::string_view textOf(BlockRef const & block) {
     return {block->realise(), block->size()};
 }
@@ -146,4 +165,44 @@ TEST(NewDataBlock, TheLastHolderReleasesTheMemory) {
         EXPECT_EQ(BlockMemory::bytesInUse(), before + 1024);
     }
     EXPECT_EQ(BlockMemory::bytesInUse(), before);
+}
+
+// --- of a file
+
+TEST(NewDataBlock, FewerThanFiveBytesAreNotReadFromAFile) {
+    BlockRef const block = blockOnFile("0123456789");
+    char bytes[10] = {};
+    for (std::uint64_t n = 0; n < 5; ++n) EXPECT_EQ(block->read(bytes, n, 0), 0u) << n;
+    EXPECT_EQ(bytes[0], 0);
+    EXPECT_EQ(block->read(bytes, 5, 5), 5u);
+    EXPECT_EQ(std::string_view(bytes, 5), "56789");
+    EXPECT_EQ(block->read(bytes, 5, 6), 0u) << "not in part";
+    block->realise();
+    EXPECT_EQ(block->read(bytes, 4, 0), 4u) << "from memory any number";
+    EXPECT_EQ(std::string_view(bytes, 4), "0123");
+}
+
+TEST(NewDataBlock, AnEmptyOneOfAFileIsNotNull) {
+    BlockRef const block = blockOnFile("");
+    char * const data = block->realise();
+    ASSERT_NE(data, nullptr);
+    EXPECT_GE(block->capacity(), 4u);
+    EXPECT_EQ(block->size(), 0u);
+}
+
+TEST(NewDataBlock, OnlyWhatAFileHasIsFreed) {
+    BlockRef const memory = blockOf(std::string(1000, 'm'));
+    memory->free();
+    EXPECT_EQ(textOf(memory), std::string(1000, 'm'));
+    std::string const contents(1000, 'f');
+    BlockRef const file = blockOnFile(contents);
+    std::size_t const before = BlockMemory::bytesInUse();
+    EXPECT_EQ(textOf(file), contents);
+    EXPECT_GT(BlockMemory::bytesInUse(), before);
+    file->free();
+    EXPECT_EQ(BlockMemory::bytesInUse(), before);
+    EXPECT_EQ(textOf(file), contents);
+    file->addData("more", 4);
+    file->free();
+    EXPECT_EQ(textOf(file), contents + "more") << "the file has not got the rest";
 }
