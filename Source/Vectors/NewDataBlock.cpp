@@ -76,7 +76,12 @@ void NewDataBlock::placeEnd() noexcept {
 
 char * NewDataBlock::readIn() {
     BlockMemory::Piece const piece = BlockMemory::allocate(std::max<std::uint64_t>(size_, sizeof(std::int32_t)));
-    readWhole(*backing_, piece.data, size_);
+    try {
+        readWhole(*backing_, piece.data, size_);
+    } catch (...) {
+        BlockMemory::release(piece);
+        throw;
+    }
     data = piece.data;
     capacity_ = piece.bytes;
     placeEnd();
