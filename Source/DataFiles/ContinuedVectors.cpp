@@ -1,6 +1,7 @@
 #include "DataFiles/ContinuedVectors.h"
 
 #include "DataFiles/VectorFileAccess.h"
+#include "torvelan/Exceptions.h"
 
 #include <algorithm>
 #include <array>
@@ -85,9 +86,8 @@ bool isWhole(BaseVector const & vector) {
     return VectorFileAccess::view(vector) == VectorFileAccess::View();
 }
 
-} // namespace
-
-bool fillUpVectors(Group & group, std::uint64_t mostBytes) {
+// False when there is too much to do.
+bool fillUp(Group & group, std::uint64_t mostBytes) {
     FillingUp filling(mostBytes);
     bool changed = true;
     for (int pass = 0; changed; ++pass) {
@@ -103,4 +103,14 @@ bool fillUpVectors(Group & group, std::uint64_t mostBytes) {
         if (filling.isExhausted()) return false;
     }
     return true;
+}
+
+} // namespace
+
+bool fillUpVectors(Group & group, std::uint64_t mostBytes) {
+    try {
+        return fillUp(group, mostBytes);
+    } catch (FatalException const &) { // what is not opened is told by a message
+        return false;
+    }
 }
