@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
+#include <vector>
 
 namespace {
 
@@ -46,12 +48,41 @@ ValueRange rootOf(ValueRange squares) {
     return {std::sqrt(squares.max), std::sqrt(squares.min)};
 }
 
+// Elements that are only in a file are looked at piece by piece, and stay there; what the file has lost is zeros.
+template <class T, class Measure>
+ValueRange scanInFile(NewDataBlock const & block, std::int64_t start, std::int64_t n, Measure measure) {
+    constexpr std::int64_t pieceLength = 65536 / sizeof(T);
+    ValueRange range;
+    std::vector<T> piece(static_cast<std::size_t>(std::min(n, pieceLength)));
+    for (std::int64_t const end = start + n; start < end; start += pieceLength) {
+        std::int64_t const length = std::min(end - start, pieceLength);
+        std::uint64_t const bytes = static_cast<std::uint64_t>(length) * sizeof(T);
+        std::uint64_t const read = block.read(piece.data(), bytes, static_cast<std::uint64_t>(start) * sizeof(T));
+        std::memset(reinterpret_cast<char *>(piece.data()) + read, 0, bytes - read);
+        ValueRange const found = scan(piece.data(), length, measure);
+        if (!range.isValid()) {
+            range = found;
+        } else if (found.isValid()) {
+            range.widen(found.max);
+            range.widen(found.min);
+        }
+    }
+    return range;
+}
+
+template <class T, class Measure>
+ValueRange scanBlock(NewDataBlock & block, std::int64_t start, std::int64_t n, Measure measure) {
+    if (!block.isRealised()) return scanInFile<T>(block, start, n, measure);
+    return scan(reinterpret_cast<T const *>(block.realise()) + start, n, measure);
+}
+
 ValueRange scanElements(VectorRep const & rep, std::int64_t start, std::int64_t n, bool useMagnitude) {
     if (n == 0) return {};
-    if (rep.type == VD_REAL) return scan(rep.element<double>(start), n, Value{});
+    NewDataBlock & block = *rep.block.get();
+    if (rep.type == VD_REAL) return scanBlock<double>(block, start, n, Value{});
     if (rep.type != VD_COMPLEX) return {};
-    complex const * data = rep.element<complex>(start);
-    return useMagnitude ? rootOf(scan(data, n, SquaredMagnitude{})) : scan(data, n, RealPart{});
+    return useMagnitude ? rootOf(scanBlock<complex>(block, start, n, SquaredMagnitude{}))
+                        : scanBlock<complex>(block, start, n, RealPart{});
 }
 
 } // namespace

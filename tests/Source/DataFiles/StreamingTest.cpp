@@ -1,6 +1,7 @@
 // A run that writes its data file, and those who read it meanwhile.
 #include "Source/DataFiles/DataFilesFixture.h"
 
+#include "Vectors/BlockMemory.h"
 #include "torvelan/Exceptions.h"
 #include "torvelan/SharedBlocks.h"
 
@@ -67,6 +68,33 @@ TEST_F(Streaming, ValuesGoToTheFileAndNotToMemory) {
     std::vector<double> const seen = values(*run->find("a"));
     ASSERT_EQ(seen.size(), 1000U);
     for (int i = 0; i < 1000; ++i) EXPECT_EQ(seen[static_cast<std::size_t>(i)], i);
+}
+
+TEST_F(Streaming, ARangeIsFoundWhereTheValuesAre) {
+    constexpr int n = 50'000; // several pieces
+    Group * run = newRun({"a"});
+    auto * c = new dvec("c", run, PT_VOLTAGE);
+    c->setSize(0, VD_COMPLEX);
+    c->enterGroup();
+    ASSERT_EQ(initialise(run, folder.path("run.tvdat")), VEC_OK);
+    for (int i = 0; i < n; ++i) {
+        run->find("time")->addVal(static_cast<double>(i));
+        run->find("a")->addVal(i == 40'000 ? -7.5 : i % 1000);
+        c->addVal(complex{i == 30'000 ? 5.0 : 0.0, i == 45'000 ? -12.0 : 1.0});
+    }
+    destroyGroup(run);
+    Group * seen = open(folder.path("run.tvdat"));
+    dvec const & a = *seen->find("a");
+    std::size_t const before = BlockMemory::bytesInUse();
+    EXPECT_EQ(a.getRange(false).min, -7.5);
+    EXPECT_EQ(a.getRange(false).max, 999);
+    EXPECT_EQ(seen->find("c")->getRange(false).max, 5);
+    EXPECT_EQ(seen->find("c")->getRange(false).min, 0);
+    EXPECT_EQ(BlockMemory::bytesInUse(), before) << "the values stay where they are";
+    destroyGroup(seen);
+    seen = open(folder.path("run.tvdat"));
+    EXPECT_EQ(seen->find("c")->getRange(true).max, 12);
+    EXPECT_EQ(seen->find("c")->getRange(true).min, 1);
 }
 
 TEST_F(Streaming, DivisionsAndTheirLabelsComeAsTheyAreAnnounced) {
