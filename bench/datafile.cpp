@@ -259,6 +259,49 @@ void openEngine(benchmark::State & state) {
     unlink(path.c_str());
 }
 
+constexpr int wideVectors = 10'000;
+constexpr int widePoints = 1000;
+
+std::string const & wideFile() {
+    static std::string const path = [] {
+        std::string const made = fileIn("memory", "wide");
+        Run run(made, wideVectors);
+        for (int i = 0; i < widePoints; ++i)
+            for (IfVector & vector : run.vectors) vector.addVal(static_cast<double>(i));
+        for (int i = 0; i < widePoints; ++i) run.reference.addVal(static_cast<double>(i));
+        return made;
+    }();
+    return path;
+}
+
+// Each time another vector of the open file: found by its name, and its values for the first time.
+void readOneEngine(benchmark::State & state) {
+    auto const messages = std::make_shared<NullMessageHandler>();
+    YString name;
+    if (!vec_OpenGroup(YString(wideFile()), VecOpenGroupOptions(), &name, messages)) stop(wideFile().c_str());
+    std::vector<YString> names;
+    for (int k = 0; k < wideVectors; ++k) names.emplace_back("v" + std::to_string(k));
+    std::size_t next = 0;
+    for (auto _ : state) {
+        XYVector * vector = nullptr;
+        vec_GetVector(name, names[next++], &vector);
+        bench::check("the last value", vector->realData()[widePoints - 1], widePoints - 1);
+    }
+    vec_DestroyGroup(name, true);
+}
+
+void readOnePread(benchmark::State & state) {
+    int const file = open(wideFile().c_str(), O_RDONLY);
+    std::vector<double> data(widePoints);
+    off_t at = 100'000;
+    for (auto _ : state) {
+        if (pread(file, data.data(), widePoints * sizeof(double), at) < 0) stop("pread");
+        benchmark::DoNotOptimize(data.data());
+        at += widePoints * static_cast<off_t>(sizeof(double));
+    }
+    close(file);
+}
+
 constexpr std::int64_t largeVectors = 16;
 constexpr std::int64_t largePoints = 8 << 20; // of 64 MiB each: a file of 1 GiB
 
@@ -361,6 +404,10 @@ void addAll() {
 #endif
     }
     benchmark::RegisterBenchmark("Open/engine/10000", openEngine)->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark("Read/one", readOneEngine)->Iterations(wideVectors)->Unit(benchmark::kMicrosecond);
+    benchmark::RegisterBenchmark("Limit/read/one", readOnePread)
+        ->Iterations(wideVectors)
+        ->Unit(benchmark::kMicrosecond);
     benchmark::RegisterBenchmark("Read/engine/64", readEngine)->Unit(benchmark::kMillisecond);
     benchmark::RegisterBenchmark("Limit/read/pread/64", readPread)->Unit(benchmark::kMillisecond);
     benchmark::RegisterBenchmark("Shared/engine", sharedEngine)
@@ -379,5 +426,5 @@ int main(int argc, char ** argv) {
     addAll();
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
-    unlink(fileIn("memory", "large").c_str());
+    for (char const * made : {"large", "wide"}) unlink(fileIn("memory", made).c_str());
 }

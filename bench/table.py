@@ -55,6 +55,7 @@ PAIRS = [
         for place in ("memory", "disk")
     ),
     ("Open/engine/{n}", []),
+    ("Read/one", ["Limit/read/one"]),
     ("Read/engine/{n}", ["Limit/read/pread/{n}"]),
     ("Shared/engine", ["Limit/shared/write"]),
     ("Store/make_vectors/{n}", ["Limit/map_make/{n}"]),
