@@ -16,10 +16,6 @@ namespace {
 
 constexpr std::uint16_t vectorMark = 1;
 
-struct ReleaseRecord {
-    void operator()(VectorRep * rep) const noexcept { rep->release(); }
-};
-
 // Restores one group, from the place where its record begins.
 class OlderGroup {
 public:
@@ -106,7 +102,7 @@ private:
         return true;
     }
 
-    bool readValues(std::unique_ptr<VectorRep, ReleaseRecord> & record) {
+    bool readValues(RecordHolder & record) {
         YString tag;
         std::uint16_t type;
         std::int64_t count;
@@ -114,7 +110,7 @@ private:
             !stream.readWidened(olderWide, &count))
             return false;
         record.reset(VectorRep::make());
-        if (type == VD_STRING) return readStrings(*record, count);
+        if (type == VD_STRING) return readStringElements(stream, sizeof(std::uint16_t), count, *record);
         if (type != VD_REAL && type != VD_COMPLEX) return false;
         record->type = static_cast<VD_type>(type);
         auto values = stream.readBlock();
@@ -122,17 +118,6 @@ private:
         record->block = NewDataBlock::make();
         record->block->attach(std::move(values));
         return !has(olderDivisions) || readDivisions(*record);
-    }
-
-    bool readStrings(VectorRep & record, std::int64_t count) {
-        if (count < 0 || static_cast<std::uint64_t>(count) > stream.left() / sizeof(std::uint16_t)) return false;
-        record.resize(count, VD_STRING);
-        for (std::int64_t i = 0; i < count; ++i) {
-            YString text;
-            if (!stream.readString(&text)) return false;
-            *record.element<char *>(i) = duplicateString(text.c_str());
-        }
-        return true;
     }
 
     bool readDivisions(VectorRep & record) {
@@ -167,7 +152,7 @@ private:
 
     OlderStream & stream;
     Group & group;
-    std::unordered_map<std::int64_t, std::unique_ptr<VectorRep, ReleaseRecord>, SeededHash> records; // by dataId
+    std::unordered_map<std::int64_t, RecordHolder, SeededHash> records; // by dataId
 };
 
 // The stream of one group, at its record. *next is the place of the next group, 0 for the last one: groups stand one

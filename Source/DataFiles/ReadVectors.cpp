@@ -15,11 +15,6 @@ namespace {
 
 constexpr std::uint64_t leastVectorBytes = 47; // of a vector in the directory
 
-struct ReleaseRecord {
-    void operator()(VectorRep * rep) const noexcept { rep->release(); }
-};
-using RecordHolder = std::unique_ptr<VectorRep, ReleaseRecord>;
-
 class VectorReader {
 public:
     VectorReader(Group & group_, YRef<DfsFile> const & file_, std::int64_t stream, StreamClaims & claims_)
@@ -86,7 +81,7 @@ private:
             !reader.readNumber(&count))
             return false;
         record.reset(VectorRep::make());
-        if (type == VD_STRING) return readStrings(*record, count);
+        if (type == VD_STRING) return readStringElements(reader, sizeof(std::int32_t), count, *record);
         std::uint8_t multiple;
         if ((type != VD_REAL && type != VD_COMPLEX) || !reader.readNumber(&multiple)) return false;
         if (!claims.claim(data, StreamType::bytes)) return false;
@@ -94,18 +89,6 @@ private:
         record->type = static_cast<VD_type>(type);
         record->multiple = multiple != 0;
         attachStreams(*record, data, divisions);
-        return true;
-    }
-
-    // Strings are in the directory itself, each with its length.
-    bool readStrings(VectorRep & record, std::int64_t count) {
-        if (count < 0 || static_cast<std::uint64_t>(count) > reader.left() / sizeof(std::int32_t)) return false;
-        record.resize(count, VD_STRING);
-        for (std::int64_t i = 0; i < count; ++i) {
-            YString text;
-            if (!reader.readString(&text)) return false;
-            *record.element<char *>(i) = duplicateString(text.c_str());
-        }
         return true;
     }
 

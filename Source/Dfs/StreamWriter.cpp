@@ -1,7 +1,7 @@
 #include "Dfs/StreamWriter.h"
 
-#include "support/Lanes.h"
 #include "support/ObjectPool.h"
+#include "support/StreamingCopy.h"
 
 #include <algorithm>
 #include <new>
@@ -23,8 +23,6 @@ void StreamWriter::operator delete(void * memory) noexcept {
     freeWriters.give(memory);
 }
 
-static_assert(sizeof(Lanes) == StreamWriter::lineBytes);
-
 StreamWriter::StreamWriter(std::int64_t stream_, StreamType type_, std::int64_t extent_, std::size_t initialSize)
     : stream(stream_), type(type_), extent(extent_), buffer((initialSize + lineBytes - 1) / lineBytes) {
     openLine(0);
@@ -36,7 +34,7 @@ void StreamWriter::openLine(std::size_t filled) noexcept {
 }
 
 void StreamWriter::completeLine() noexcept {
-    streamLanes(reinterpret_cast<double *>(bytes() + whole), *reinterpret_cast<Lanes const *>(line.bytes));
+    sp_CopyPastCache(bytes() + whole, line.bytes, lineBytes);
     whole += lineBytes;
     openLine(0);
 }

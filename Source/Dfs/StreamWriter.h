@@ -30,8 +30,8 @@ public:
     void drop(std::size_t bytes) noexcept;    // the first ones of those that wait
     void clear() noexcept { drop(length()); }
 
-    // One that appends often to a byte stream gets the end of the line for itself, until it gives it back or the writer
-    // ends. False when another one has it. Others may append meanwhile, but not he himself through them.
+    // One that appends often to a byte stream gets the end of the line, which both move from then on, until it is given
+    // back. False when another one has it, or the stream is no byte stream.
     bool lend(OpenEnd * borrower) noexcept;
     void takeBack() noexcept;
 

@@ -27,8 +27,8 @@ public:
     bool take(void const * data, std::uint64_t bytes) noexcept {
         return writer != nullptr && writer->take(data, bytes);
     }
-    // The open end of what is written, where there is one, for a borrower that appends to it in person; the others of
-    // these calls keep it up to date. It is to be given back before anything else appends or the borrower ends.
+    // The open end of what is written, where there is one and nobody else has it, for a borrower that appends to it in
+    // person; empty otherwise. The other calls keep it up to date, until it is given back.
     void lend(OpenEnd * end) noexcept {
         bool const isLent = writer != nullptr && writer->lend(end);
         borrower = isLent ? end : nullptr;

@@ -97,7 +97,7 @@ void NewDataBlock::addData(void const * source, std::uint64_t bytes) {
     if (data != nullptr) makeRoom(bytes);
     if (backing_ != nullptr) backing_->append(source, bytes);
     if (data != nullptr && bytes != 0) {
-        if (capacity_ < beyondCache)
+        if (capacity() < beyondCache)
             std::memcpy(data + size_, source, bytes);
         else
             sp_CopyPastCache(data + size_, static_cast<char const *>(source), bytes);

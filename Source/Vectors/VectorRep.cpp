@@ -1,4 +1,5 @@
 #include "Vectors/VectorRep.h"
+
 #include "support/ObjectPool.h"
 
 #include <algorithm>
