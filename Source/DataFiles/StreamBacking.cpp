@@ -24,7 +24,9 @@ std::uint64_t StreamBacking::read(void * dest, std::uint64_t bytes, std::uint64_
 
 // From now on appending needs no look at the file until the writer is full.
 void StreamBacking::findWriter() {
-    if (writer == nullptr) writer = file_->writer(stream_);
+    if (writer != nullptr) return;
+    StreamWriter * const found = file_->writer(stream_);
+    if (found != nullptr && found->type == StreamType::bytes) writer = found; // the others are told when they change
 }
 
 void StreamBacking::append(void const * data, std::uint64_t bytes) {

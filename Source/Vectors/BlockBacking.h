@@ -5,6 +5,7 @@
 #include "Dfs/StreamWriter.h"
 
 #include <cstdint>
+#include <utility>
 
 class SharedBlockManager;
 
@@ -35,8 +36,9 @@ public:
         if (!isLent) *end = {};
     }
     void takeBack() noexcept {
-        if (borrower != nullptr) writer->takeBack();
-        borrower = nullptr;
+        if (borrower == nullptr) return;
+        writer->takeBack();
+        *std::exchange(borrower, nullptr) = {};
     }
 
 protected:
