@@ -37,12 +37,29 @@ public:
     bool evenOut(VectorRep & a, VectorRep & b) {
         if (contradict(a, b)) return false;
         std::int64_t const end = std::max(knownEnd(a), knownEnd(b));
+        if (!spend(a, b, end) || !spend(b, a, end)) return false;
         bool const changed = follow(a, b, end);
         return follow(b, a, end) || changed;
     }
     bool isExhausted() const noexcept { return exhausted; }
 
 private:
+    static std::int64_t missingEntries(VectorRep const & record, VectorRep const & model) {
+        std::int64_t const first = std::max<std::int64_t>(record.divisionIndex.count(), 1);
+        return std::max<std::int64_t>(model.divisionIndex.count() - first, 0);
+    }
+
+    // Before anything changes, what the record lacks: false when it is more than there may be.
+    bool spend(VectorRep const & record, VectorRep const & model, std::int64_t end) {
+        std::uint64_t const entryBytes =
+            static_cast<std::uint64_t>(missingEntries(record, model)) * sizeof(std::uint64_t);
+        auto const values = static_cast<std::uint64_t>(std::max<std::int64_t>(end - record.elements(), 0));
+        std::uint64_t const width = elementWidth(record.type);
+        exhausted = exhausted || entryBytes > left || values > (left - entryBytes) / width;
+        if (!exhausted) left -= entryBytes + values * width;
+        return !exhausted;
+    }
+
     bool follow(VectorRep & record, VectorRep const & model, std::int64_t end) {
         bool changed = false;
         for (std::int64_t i = std::max<std::int64_t>(record.divisionIndex.count(), 1); i < model.divisionIndex.count();
@@ -55,11 +72,7 @@ private:
 
     bool fill(VectorRep & record, std::int64_t end) {
         std::int64_t const missing = end - record.elements();
-        if (missing <= 0 || exhausted) return false;
-        std::uint64_t const bytes = static_cast<std::uint64_t>(missing) * elementWidth(record.type);
-        exhausted = bytes > left;
-        if (exhausted) return false;
-        left -= bytes;
+        if (missing <= 0) return false;
         constexpr double lost = std::numeric_limits<double>::quiet_NaN();
         if (record.type == VD_COMPLEX)
             append(record, complex{lost, lost}, static_cast<std::size_t>(missing));

@@ -248,10 +248,14 @@ bool DfsDirectory::set(DirectoryEntry const & entry) {
     return true;
 }
 
+bool DfsDirectory::hasIdsFor(DfsDirectory const & other) const noexcept {
+    return other.nextId_ <= greatestId - nextId_;
+}
+
 std::int64_t DfsDirectory::merge(DfsDirectory const & other, std::uint32_t links, std::uint32_t fileIndex,
                                  FileTail * tail) {
     std::int64_t const base = nextId_;
-    if (other.nextId_ > greatestId - base) return 0;
+    if (!hasIdsFor(other)) return 0;
     DfsDirectory merged = *this; // nothing has happened when there is no room or memory
     merged.nextId_ += other.nextId_;
     std::int64_t left = other.liveEntries();

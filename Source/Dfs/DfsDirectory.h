@@ -43,6 +43,8 @@ public:
     // Changes the plain entry of its id; a regular sequence of extents becomes one entry.
     // False for an extent inside a run, which stays.
     bool set(DirectoryEntry const & entry);
+    // Whether there are ids for the extents of another file's directory.
+    bool hasIdsFor(DfsDirectory const & other) const noexcept;
     // Enters the extents of another file's directory, with fileIndex and ids raised. The answer is what the ids were
     // raised by; 0 when the directory cannot grow.
     // Entries of that file that belong to no link of its `links` stay behind.

@@ -82,6 +82,7 @@ bool DfsFile::openLinksTo(DfsFile const & other) {
 
 int DfsFile::addLink(DfsFile & other) {
     if (file_ == nullptr || other.file_ == nullptr || isKnown(other.file_->identity())) return alreadyLinked;
+    if (!directory_.hasIdsFor(other.directory_)) return notLinkable;
     if (!other.flushAll()) return notLinkable; // what waits there would not be seen here
     std::size_t const before = links_.size();
     std::int64_t base = 0;
