@@ -6,7 +6,9 @@
 
 namespace {
 
-// Ids whose products with a factor that is known to everybody have equal high bits.
+constexpr std::int64_t pageSize = 16; // ids that share a place
+
+// Ids in pages whose products with a factor that is known to everybody have equal high bits.
 std::vector<std::int64_t> collidingIds(std::size_t n) {
     constexpr std::uint64_t factor = 0x9E3779B97F4A7C15;
     std::uint64_t inverse = factor; // five steps of Newton's method
@@ -14,8 +16,8 @@ std::vector<std::int64_t> collidingIds(std::size_t n) {
     EXPECT_EQ(inverse * factor, 1U);
     std::vector<std::int64_t> ids;
     for (std::uint64_t product = 1; ids.size() < n; ++product)
-        if (std::uint64_t const id = product * inverse; id < std::uint64_t{1} << 62)
-            ids.push_back(static_cast<std::int64_t>(id));
+        if (std::uint64_t const id = product * inverse; id < (std::uint64_t{1} << 62) / pageSize)
+            ids.push_back(static_cast<std::int64_t>(id) * pageSize);
     return ids;
 }
 
@@ -35,6 +37,13 @@ TEST(ExtentIndex, FindsWhatIsLeft) {
     for (int i = 1; i <= n; i += 3) index.erasePlain(i);
     index.erasePlain(n + 1);
     for (int i = 1; i <= n; ++i) ASSERT_EQ(index.findPlain(i), i % 3 == 1 ? ExtentIndex::none : i);
+    auto const isGone = [](int i) { return i % 3 == 1 || i / pageSize % 2 == 0; }; // half of the pages wholly
+    for (int i = 1; i <= n; ++i)
+        if (isGone(i)) index.erasePlain(i);
+    for (int i = 1; i <= n; ++i) ASSERT_EQ(index.findPlain(i), isGone(i) ? ExtentIndex::none : i);
+    for (int i = 1; i <= n; ++i)
+        if (isGone(i)) index.insertPlain(i, -i - 1);
+    for (int i = 1; i <= n; ++i) ASSERT_EQ(index.findPlain(i), isGone(i) ? -i - 1 : i);
     index.insertRun(10, 7);
     EXPECT_EQ(index.findRun(9), ExtentIndex::none);
     EXPECT_EQ(index.findRun(1000), 7);
